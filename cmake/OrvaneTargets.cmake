@@ -1,0 +1,55 @@
+# What every target of this repository shares: language level, warnings, visibility, instrumentation, test registration.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+# A compiler cache where there is one: the sanitizer presets share many translation units between runs.
+find_program(ORVANE_CCACHE ccache)
+mark_as_advanced(ORVANE_CCACHE)
+if(ORVANE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${ORVANE_CCACHE}")
+endif()
+
+add_library(orvane_build_options INTERFACE)
+target_compile_options(orvane_build_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+if(ORVANE_SANITIZE STREQUAL "address")
+  set(orvane_instrument -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+elseif(ORVANE_SANITIZE STREQUAL "thread")
+  set(orvane_instrument -fsanitize=thread -fno-omit-frame-pointer)
+elseif(ORVANE_SANITIZE)
+  message(FATAL_ERROR "ORVANE_SANITIZE is '${ORVANE_SANITIZE}'; use address, thread or leave it empty")
+endif()
+if(ORVANE_COVERAGE)
+  list(APPEND orvane_instrument --coverage)
+endif()
+if(orvane_instrument)
+  target_compile_options(orvane_build_options INTERFACE ${orvane_instrument})
+  target_link_options(orvane_build_options INTERFACE ${orvane_instrument})
+endif()
+
+# orvane_configure(<target>): warnings as errors, hidden symbols, the preset's instrumentation.
+function(orvane_configure target)
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:orvane_build_options>)
+  set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+endfunction()
+
+# orvane_test(<name> SOURCES <files> [LIBRARIES <targets>] [DEFINITIONS <defs>] [TIMEOUT <seconds>]): one GoogleTest
+# program, run as one ctest test; its single results go to test-results/<name>.xml, where the test script counts them.
+function(orvane_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 300)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  orvane_configure(${name})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gmock_main)
+  target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
+  add_test(NAME ${name} COMMAND ${name} --gtest_output=xml:${PROJECT_BINARY_DIR}/test-results/${name}.xml)
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+endfunction()
