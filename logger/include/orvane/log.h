@@ -70,8 +70,8 @@ class ORVANE_LOGGER_EXPORT Log {
 /// @param step    number of the step.
 /// @param value   0 at the beginning, the step's result code at the end.
 /// @param detail  free text. Thread-safe.
-ORVANE_LOGGER_EXPORT void AddDetailTimeDebugLog(int level, const char* file, int line, const std::string& mark, int step,
-                                                int value, std::string detail);
+ORVANE_LOGGER_EXPORT void AddDetailTimeDebugLog(int level, const char* file, int line, const std::string& mark,
+                                                int step, int value, std::string detail);
 
 /// The line as written to a file, without its line end: "<UTC time, ms> <level> <file>:<line> <text>". Control
 /// characters of the text stand C-style (\n, \r, \t, \xHH), so that no text can forge a line.

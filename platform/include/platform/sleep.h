@@ -2,10 +2,10 @@
 // operating system's sleep (tests run on virtual time with it). Internal: not installed with the package.
 #pragma once
 
+#include <platform/export.h>
+
 #include <cstdint>
 #include <functional>
-
-#include <platform/export.h>
 
 namespace Orvane::platform {
 
