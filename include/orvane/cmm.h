@@ -1,0 +1,283 @@
+// The public interface of the chassis library: inventory records, the inventory itself and the progress callback.
+// It needs nothing but the standard library and Boost's shared_ptr; the CIM client stays behind it.
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#define ORVANE_EXPORT __attribute__((visibility("default")))
+
+namespace Orvane {
+
+class CMMInventory;
+class CMMTarnInventoryImp;
+
+/// Vital product data of one physical package. The name is spelt with a small L before "nfo".
+struct ORVANE_EXPORT Physicallnfo {
+  /// Texts are empty; SlotNumber has no meaning before the inventory has set it.
+  Physicallnfo();
+  Physicallnfo(const Physicallnfo& other);
+  Physicallnfo(Physicallnfo&& other) noexcept;
+  Physicallnfo& operator=(const Physicallnfo& other);
+  Physicallnfo& operator=(Physicallnfo&& other) noexcept;
+  ~Physicallnfo();
+
+  std::int32_t SlotNumber = -1;  ///< bay number of the slot that holds the package
+  std::string UUID;
+  std::string PosId;
+  std::string VpdId;
+  std::string Manufacturer;
+  std::string SubSystemManufacturer;
+  std::string ProductName;
+  std::string PartNumber;
+  std::string SKU;
+  std::string SerialNumber;
+};
+
+/// One firmware image of a module. Texts are those of the CIM values, unparsed; an array reads as its elements, each
+/// followed by one blank.
+struct ORVANE_EXPORT FirmwareIdentity {
+  /// Texts are empty; IsNotBootRom and Classifications have no meaning before the inventory has set them.
+  FirmwareIdentity();
+  FirmwareIdentity(const FirmwareIdentity& other);
+  FirmwareIdentity(FirmwareIdentity&& other) noexcept;
+  FirmwareIdentity& operator=(const FirmwareIdentity& other);
+  FirmwareIdentity& operator=(FirmwareIdentity&& other) noexcept;
+  ~FirmwareIdentity();
+
+  std::string VersionString;
+  std::string MajorVersion;
+  std::string MinorVersion;
+  std::string RevisionNumber;
+  std::string BuildNumber;
+  bool IsNotBootRom = true;           ///< false when ClassificationDescriptions contains "Boot ROM"
+  std::string ElementSoftwareStatus;  ///< status of the link between module and image; empty for a CMM's images
+  std::string ElementName;
+  std::string TargetTypes;
+  /// "<version>-<major>.<minor>.<revision>", at most 255 bytes, for CMM firmware with a version; else empty.
+  std::string FullVersionString;
+  std::int32_t Classifications = -1;  ///< -1 when the server offers none or it is not a number
+  std::string ClassificationDescriptions;
+  /// "<VpdId>-<PosId>-<ClassificationDescriptions>" of the module, "Null" for an empty part, at most 127 bytes; set for
+  /// I/O modules only.
+  std::string ModuleFirmwareKey;
+};
+
+/// One IP protocol endpoint.
+struct ORVANE_EXPORT IPInfo {
+  /// Texts are empty; the numbers have no meaning before the inventory has set them.
+  IPInfo();
+  IPInfo(const IPInfo& other);
+  IPInfo(IPInfo&& other) noexcept;
+  IPInfo& operator=(const IPInfo& other);
+  IPInfo& operator=(IPInfo&& other) noexcept;
+  ~IPInfo();
+
+  std::int32_t ProtocolIFType = -1;  ///< as in CIM_IPProtocolEndpoint; unset when the server's text is no number
+  std::int32_t AddressOrigin = -1;   ///< as in CIM_IPProtocolEndpoint; unset when the server's text is no number
+  std::string Name;
+  std::string IPv4Address;
+  std::string SubnetMask;
+  std::string IPv6Address;
+  std::string IPv6SubnetPrefixLength;
+};
+
+/// The chassis. All texts start empty.
+struct ORVANE_EXPORT ChassisInfo {
+  ChassisInfo();
+  ChassisInfo(const ChassisInfo& other);
+  ChassisInfo(ChassisInfo&& other) noexcept;
+  ChassisInfo& operator=(const ChassisInfo& other);
+  ChassisInfo& operator=(ChassisInfo&& other) noexcept;
+  ~ChassisInfo();
+
+  std::string Name;
+  std::string ElementName;
+  std::string Model;
+  std::string PartNumber;
+  std::string SerialNumber;
+};
+
+/// One chassis management module (CMM).
+struct ORVANE_EXPORT CMMData {
+  CMMData();
+  CMMData(const CMMData& other);
+  CMMData(CMMData&& other) noexcept;
+  CMMData& operator=(const CMMData& other);
+  CMMData& operator=(CMMData&& other) noexcept;
+  ~CMMData();
+
+  Physicallnfo Physical;
+  std::vector<FirmwareIdentity> Firmwares;  ///< in the server's order
+  std::vector<IPInfo> IPs;                  ///< without duplicate addresses
+  std::int32_t NotPrimary = 0;              ///< 0: the primary CMM; 1: a spare in a redundancy set
+  std::string Name;
+};
+
+/// One I/O module (switch) or pass-through module. Its bay is Physical.SlotNumber.
+struct ORVANE_EXPORT CIMIOData {
+  CIMIOData();
+  CIMIOData(const CIMIOData& other);
+  CIMIOData(CIMIOData&& other) noexcept;
+  CIMIOData& operator=(const CIMIOData& other);
+  CIMIOData& operator=(CIMIOData&& other) noexcept;
+  ~CIMIOData();
+
+  bool IsPassThru = false;
+  std::string Label;  ///< free text of the caller; the inventory leaves it empty
+  Physicallnfo Physical;
+  std::vector<IPInfo> IPs;  ///< I/O modules only
+  std::vector<FirmwareIdentity> Firmwares;
+};
+
+/// CMM records in the order of the inventory. Filled by CMMInventory only; holds a share of each record.
+class ORVANE_EXPORT CMMDataList {
+ public:
+  CMMDataList();
+  ~CMMDataList();
+  CMMDataList(const CMMDataList&) = delete;
+  CMMDataList& operator=(const CMMDataList&) = delete;
+
+  /// Number of records.
+  std::uint64_t Size() const;
+
+  /// The record at @p index, which must be below Size(); there is no range check.
+  CMMData& Get(std::size_t index);
+
+ private:
+  friend class CMMInventory;
+  friend class CMMTarnInventoryImp;
+
+  std::vector<boost::shared_ptr<CMMData>> records_;
+};
+
+/// Module records in the order of the inventory. Filled by CMMInventory only; holds a share of each record.
+class ORVANE_EXPORT CIMIODataList {
+ public:
+  CIMIODataList();
+  ~CIMIODataList();
+  CIMIODataList(const CIMIODataList&) = delete;
+  CIMIODataList& operator=(const CIMIODataList&) = delete;
+
+  /// Number of records.
+  std::uint64_t Size() const;
+
+  /// The record at @p index, which must be below Size(); there is no range check.
+  CIMIOData& Get(std::size_t index);
+
+ private:
+  friend class CMMInventory;
+  friend class CMMTarnInventoryImp;
+
+  std::vector<boost::shared_ptr<CIMIOData>> records_;
+};
+
+/// Receives progress texts. The library borrows the object and never deletes it; it is called on the thread that runs
+/// the operation.
+class ORVANE_EXPORT LogMessageCallBack {
+ public:
+  virtual ~LogMessageCallBack();
+
+  /// @param message  one short progress sentence, valid during the call only.
+  virtual void OnMessage(const std::string& message) = 0;
+};
+
+/// Ignores every progress text.
+class ORVANE_EXPORT EmptyLogMessageCallBack : public LogMessageCallBack {
+ public:
+  ~EmptyLogMessageCallBack() override;
+  void OnMessage(const std::string& message) override;
+};
+
+/// The inventory of one chassis, read from the CIM server of its management module.
+///
+/// Every operation opens its own connection and closes it before it returns, keeps no result for the next one, throws
+/// nothing and writes what went wrong to the log. A request waits at most 300 seconds. Every server certificate is
+/// accepted, and a failed HTTPS connect is followed by plain HTTP.
+/// One thread at a time may use an object; separate objects are independent.
+class ORVANE_EXPORT CMMInventory {
+ public:
+  /// Keeps the four values and connects to nothing yet.
+  /// @param host      name or address of the CMM
+  /// @param port      tried with HTTPS, then with HTTP; 0 means HTTPS on 5989, then HTTP on 5988
+  /// @param user      user of the CIM server
+  /// @param password  never written to the log
+  CMMInventory(const std::string& host, unsigned short port, const std::string& user, const std::string& password);
+  ~CMMInventory();
+  CMMInventory(const CMMInventory&) = delete;
+  CMMInventory& operator=(const CMMInventory&) = delete;
+
+  /// True exactly when the server answers and has at least one CMM; false on any failure.
+  bool IsCMM();
+
+  /// Appends the primary CMM to @p list (every CMM that is no spare in a redundancy set), sharing the record.
+  /// @param list  entries already in it stay; unchanged unless 0 is returned.
+  /// @return  0  read, or stopped by an unexpected error that only the log tells
+  ///          1  no connection
+  ///          3  the server has no CMM (or did not tell), or the firmware of the last CMM could not be read
+  ///          4  unexpected error
+  int GetCMMData(CMMDataList& list);
+
+  /// Reads the chassis.
+  /// @param info  filled when the server has exactly one chassis; otherwise left as it was, also when 0 is returned.
+  /// @return  0  read, or the server does not have exactly one chassis (the log tells)
+  ///          1  no connection
+  ///          3  CIM error
+  ///          4  unexpected error
+  int GetChassisInfo(ChassisInfo& info);
+
+  /// GetIOModuleDataByBayID() with bay 0: every I/O module.
+  int GetIOModuleData(CIMIODataList& list);
+
+  /// Appends I/O modules (switches) to @p list, sharing the records. A module that cannot be read completely is left
+  /// out; the log has the reason.
+  /// @param bayId  bay number from 1 (the first module found there); 0 means every bay.
+  /// @param list   entries already in it stay; unchanged unless 0 is returned, except with bay 0, where modules read
+  ///               before a failure stay.
+  /// @return  0  read
+  ///          1  no connection
+  ///          3  CIM error, no I/O module at all, or @p bayId below 0 (then nothing was sent)
+  ///          4  unexpected error
+  ///          5  no module in that bay
+  int GetIOModuleDataByBayID(int bayId, CIMIODataList& list);
+
+  /// Appends every pass-through module of one bay to @p list, sharing the records.
+  /// @param bayId  bay number; no value stands for all bays, and none is refused.
+  /// @param list   entries already in it stay; unchanged unless 0 is returned.
+  /// @return  0  read
+  ///          1  no connection
+  ///          2  CIM error
+  ///          3  the product data or firmware of a pass-through module could not be read
+  ///          4  unexpected error
+  ///          5  no pass-through module in that bay
+  int GetPassThruData(int bayId, CIMIODataList& list);
+
+  /// The kind of module in a bay.
+  /// @return  1  I/O module (switch)
+  ///          2  pass-through module
+  ///          3  neither, or any failure
+  int GetSwitchType(int bayId);
+
+  /// Appends to @p bays the other bays whose I/O module is of the same type (same PosId and VpdId) as that in @p bayId.
+  /// @param bays  in the server's order; entries already in it stay.
+  /// @return  0  found
+  ///          1  no connection
+  ///          3  CIM error; or bays were found, but the product data of the last module could not be read
+  ///          4  unexpected error; or as 3, for a reason that is no CIM error
+  ///          5  no other module of that type
+  int CollectSameTypeModuleBayID(int bayId, std::vector<int>& bays);
+
+  /// The bays that hold equipment of one kind, as decimal numbers joined by commas in the server's order: "1,2,14".
+  /// @param kind  0: CMMs; 1: I/O modules and pass-through modules; 4: compute nodes and every other computer system
+  /// @return  empty when there is none, for any other kind, and on any failure.
+  std::string GetManagedEquipmentInfo(int kind);
+
+ private:
+  std::unique_ptr<CMMTarnInventoryImp> imp_;
+};
+
+}  // namespace Orvane
