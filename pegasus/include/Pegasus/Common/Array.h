@@ -1,0 +1,293 @@
+// The list type of the CIM client: value semantics by copy-on-write, bounds-checked access. It exists for the element
+// types listed below; with any other it does not link.
+#pragma once
+
+#include <Pegasus/Common/Exception.h>
+
+#include <atomic>
+#include <memory>
+#include <new>
+#include <utility>
+
+namespace Pegasus {
+
+class CIMClass;
+class CIMDateTime;
+class CIMInstance;
+class CIMKeyBinding;
+class CIMMethod;
+class CIMName;
+class CIMNamespaceName;
+class CIMObject;
+class CIMObjectPath;
+class CIMParamValue;
+class CIMParameter;
+class CIMProperty;
+class CIMQualifier;
+class CIMQualifierDecl;
+class CIMValue;
+
+namespace internal {
+
+/// Defined for the element types only: an Array of another type lacks it when it is linked.
+template <typename T>
+struct ArrayElement {
+  static void Require() noexcept;
+};
+
+#define PEGASUS_ARRAY_ELEMENT(T)      \
+  template <>                         \
+  struct ArrayElement<T> {            \
+    static void Require() noexcept {} \
+  }
+PEGASUS_ARRAY_ELEMENT(Boolean);
+PEGASUS_ARRAY_ELEMENT(Uint8);
+PEGASUS_ARRAY_ELEMENT(Sint8);
+PEGASUS_ARRAY_ELEMENT(Uint16);
+PEGASUS_ARRAY_ELEMENT(Sint16);
+PEGASUS_ARRAY_ELEMENT(Uint32);
+PEGASUS_ARRAY_ELEMENT(Sint32);
+PEGASUS_ARRAY_ELEMENT(Uint64);
+PEGASUS_ARRAY_ELEMENT(Sint64);
+PEGASUS_ARRAY_ELEMENT(Real32);
+PEGASUS_ARRAY_ELEMENT(Real64);
+PEGASUS_ARRAY_ELEMENT(Char16);
+PEGASUS_ARRAY_ELEMENT(String);
+PEGASUS_ARRAY_ELEMENT(CIMClass);
+PEGASUS_ARRAY_ELEMENT(CIMDateTime);
+PEGASUS_ARRAY_ELEMENT(CIMInstance);
+PEGASUS_ARRAY_ELEMENT(CIMKeyBinding);
+PEGASUS_ARRAY_ELEMENT(CIMMethod);
+PEGASUS_ARRAY_ELEMENT(CIMName);
+PEGASUS_ARRAY_ELEMENT(CIMNamespaceName);
+PEGASUS_ARRAY_ELEMENT(CIMObject);
+PEGASUS_ARRAY_ELEMENT(CIMObjectPath);
+PEGASUS_ARRAY_ELEMENT(CIMParamValue);
+PEGASUS_ARRAY_ELEMENT(CIMParameter);
+PEGASUS_ARRAY_ELEMENT(CIMProperty);
+PEGASUS_ARRAY_ELEMENT(CIMQualifier);
+PEGASUS_ARRAY_ELEMENT(CIMQualifierDecl);
+PEGASUS_ARRAY_ELEMENT(CIMValue);
+#undef PEGASUS_ARRAY_ELEMENT
+
+/// Head of an array's buffer; the elements follow it in the same allocation.
+struct alignas(16) ArrayRep {
+  std::atomic<Uint32> references{1};
+  Uint32 size = 0;
+  Uint32 capacity = 0;
+};
+
+}  // namespace internal
+
+/// A list of `T`. Copies are independent of each other; distinct objects may be used from distinct threads, also when
+/// one is a copy of the other. A reference to an element is valid until the array is changed or copied.
+template <typename T>
+class PEGASUS_COMMON_LINKAGE Array {
+ public:
+  Array() noexcept { internal::ArrayElement<T>::Require(); }
+  Array(const Array& other) noexcept : rep_(other.rep_) {
+    if (rep_ != nullptr) {
+      rep_->references.fetch_add(1, std::memory_order_relaxed);
+    }
+  }
+  Array(Array&& other) noexcept : rep_(other.rep_) { other.rep_ = nullptr; }
+  /// `size` value-initialised elements.
+  Array(Uint32 size) : Array() {  // NOLINT(google-explicit-constructor)
+    MakeWritable(size);
+    while (rep_ != nullptr && rep_->size < size) {
+      new (Data() + rep_->size) T();
+      ++rep_->size;
+    }
+  }
+  /// `size` copies of `x`.
+  Array(Uint32 size, const T& x) : Array() { grow(size, x); }
+  Array(const T* items, Uint32 size) : Array() { append(items, size); }
+  ~Array() { Release(rep_); }
+
+  Array& operator=(const Array& other) noexcept {
+    Array copy(other);
+    swap(copy);
+    return *this;
+  }
+  Array& operator=(Array&& other) noexcept {
+    Array taken(std::move(other));
+    swap(taken);
+    return *this;
+  }
+
+  void clear() noexcept {
+    Release(rep_);
+    rep_ = nullptr;
+  }
+  /// Makes room for `capacity` elements; the content stays.
+  void reserveCapacity(Uint32 capacity) {
+    if (capacity > getCapacity()) {
+      MakeWritable(capacity);
+    }
+  }
+  /// Appends `n` copies of `x`.
+  void grow(Uint32 n, const T& x) {
+    const T copy(x);
+    MakeWritable(Sum(size(), n));
+    for (Uint32 i = 0; i < n; ++i) {
+      new (Data() + rep_->size) T(copy);
+      ++rep_->size;
+    }
+  }
+  void swap(Array& other) noexcept { std::swap(rep_, other.rep_); }
+
+  Uint32 size() const noexcept { return rep_ != nullptr ? rep_->size : 0; }
+  Uint32 getCapacity() const noexcept { return rep_ != nullptr ? rep_->capacity : 0; }
+  /// The elements in a row; never null.
+  const T* getData() const noexcept {
+    alignas(T) static const unsigned char kNothing[sizeof(T)] = {};
+    return rep_ != nullptr ? Data() : reinterpret_cast<const T*>(kNothing);
+  }
+
+  /// Throws IndexOutOfBoundsException.
+  T& operator[](Uint32 index) {
+    CheckIndex(index);
+    MakeWritable(rep_->size);
+    return Data()[index];
+  }
+  const T& operator[](Uint32 index) const {
+    CheckIndex(index);
+    return Data()[index];
+  }
+
+  void append(const T& x) {
+    if (IsWritable(size() + 1)) {
+      new (Data() + rep_->size) T(x);
+    } else {
+      T copy(x);  // x may be one of this array's own elements
+      MakeWritable(Sum(size(), 1));
+      new (Data() + rep_->size) T(std::move(copy));
+    }
+    ++rep_->size;
+  }
+  void append(const T* items, Uint32 n) { Insert(size(), items, n); }
+  void appendArray(const Array& other) {
+    const Array items(other);
+    Insert(size(), items.getData(), items.size());
+  }
+  void prepend(const T& x) { Insert(0, &x, 1); }
+  void prepend(const T* items, Uint32 n) { Insert(0, items, n); }
+  /// Inserts before `index`. Throws IndexOutOfBoundsException when `index` is beyond the end.
+  void insert(Uint32 index, const T& x) { Insert(index, &x, 1); }
+  void insert(Uint32 index, const T* items, Uint32 n) { Insert(index, items, n); }
+
+  /// Throws IndexOutOfBoundsException.
+  void remove(Uint32 index) { remove(index, 1); }
+  /// Removes `n` elements from `index` on. At the last element it removes that one, however large `n` is; otherwise it
+  /// throws IndexOutOfBoundsException when there are fewer than `n`.
+  void remove(Uint32 index, Uint32 n) {
+    if (n == 0) {
+      return;
+    }
+    CheckIndex(index);
+    const Uint32 behind = rep_->size - index;
+    if (behind == 1) {
+      n = 1;
+    } else if (n > behind) {
+      throw IndexOutOfBoundsException();
+    }
+    MakeWritable(rep_->size);
+    T* const elements = Data();
+    std::move(elements + index + n, elements + rep_->size, elements + index);
+    for (; n > 0; --n) {
+      --rep_->size;
+      elements[rep_->size].~T();
+    }
+  }
+
+ private:
+  using Rep = internal::ArrayRep;
+  static_assert(sizeof(Rep) == 16, "elements must follow the head aligned");
+
+  T* Data() const noexcept { return Data(rep_); }
+  static T* Data(Rep* rep) noexcept { return reinterpret_cast<T*>(rep + 1); }
+
+  static Rep* NewRep(Uint32 capacity) {
+    static_assert(alignof(T) <= alignof(Rep), "element alignment");
+    void* const memory = ::operator new (sizeof(Rep) + std::size_t{capacity} * sizeof(T));
+    Rep* const rep = new (memory) Rep;
+    rep->capacity = capacity;
+    return rep;
+  }
+
+  static void Release(Rep* rep) noexcept {
+    if (rep != nullptr && rep->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+      std::destroy_n(Data(rep), rep->size);
+      rep->~Rep();
+      ::operator delete(rep);
+    }
+  }
+
+  static Uint32 Sum(Uint32 a, Uint32 b) {
+    if (a > PEG_NOT_FOUND - b) {
+      throw std::bad_alloc();
+    }
+    return a + b;
+  }
+
+  void CheckIndex(Uint32 index) const {
+    if (index >= size()) {
+      throw IndexOutOfBoundsException();
+    }
+  }
+
+  bool IsWritable(Uint32 capacity) const noexcept {
+    return rep_ != nullptr && rep_->capacity >= capacity && rep_->references.load(std::memory_order_acquire) == 1;
+  }
+
+  /// Makes this array the only owner of a buffer for at least `capacity` elements, growing by half or more.
+  void MakeWritable(Uint32 capacity) {
+    if (capacity == 0 || IsWritable(capacity)) {
+      return;
+    }
+    const Uint32 held = getCapacity();
+    if (capacity > held && held <= PEG_NOT_FOUND / 2) {
+      capacity = capacity > held + held / 2 ? capacity : held + held / 2;
+    }
+    Array fresh;
+    fresh.rep_ = NewRep(capacity);
+    const bool own = rep_ != nullptr && rep_->references.load(std::memory_order_acquire) == 1;
+    const Uint32 count = size();
+    for (Uint32 i = 0; i < count; ++i) {
+      if (own) {
+        new (fresh.Data() + i) T(std::move(Data()[i]));
+      } else {
+        new (fresh.Data() + i) T(static_cast<const T&>(Data()[i]));
+      }
+      ++fresh.rep_->size;
+    }
+    swap(fresh);
+  }
+
+  void Insert(Uint32 index, const T* items, Uint32 n) {
+    if (index > size()) {
+      throw IndexOutOfBoundsException();
+    }
+    const Uint32 total = Sum(size(), n);
+    if (n == 0) {
+      return;
+    }
+    Array fresh;  // built aside: the items may be this array's own
+    fresh.rep_ = NewRep(index == size() && getCapacity() > total ? getCapacity() : total);
+    fresh.CopyIn(getData(), index);
+    fresh.CopyIn(items, n);
+    fresh.CopyIn(getData() + index, size() - index);
+    swap(fresh);
+  }
+
+  void CopyIn(const T* items, Uint32 n) {
+    for (Uint32 i = 0; i < n; ++i) {
+      new (Data() + rep_->size) T(items[i]);
+      ++rep_->size;
+    }
+  }
+
+  Rep* rep_ = nullptr;  // null: empty, without room
+};
+
+}  // namespace Pegasus

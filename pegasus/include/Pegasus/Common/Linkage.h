@@ -1,0 +1,6 @@
+// Marks what the common half of the CIM client exports from its shared library. Everything else stays hidden.
+#pragma once
+
+#include <Pegasus/Common/Config.h>
+
+#define PEGASUS_COMMON_LINKAGE __attribute__((visibility("default")))

@@ -1,0 +1,154 @@
+// Text of the CIM client: UTF-16 inside, UTF-8 at the borders. Copies share one buffer until one of them is changed, so
+// passing strings by value is cheap.
+#pragma once
+
+#include <Pegasus/Common/Char16.h>
+
+#include <atomic>
+#include <iosfwd>
+
+namespace Pegasus {
+
+/// An owned, zero-terminated UTF-8 text. The pointer it converts to dies with the object.
+class PEGASUS_COMMON_LINKAGE CString {
+ public:
+  /// Holds no text: the pointer is null.
+  CString() noexcept = default;
+  CString(const CString& other);
+  CString(CString&& other) noexcept;
+  CString& operator=(const CString& other);
+  CString& operator=(CString&& other) noexcept;
+  ~CString();
+
+  operator const char*() const noexcept { return text_; }  // NOLINT(google-explicit-constructor)
+
+ private:
+  friend class String;
+
+  static constexpr Uint32 kInlineBytes = 48;
+
+  /// Makes room for `bytes` bytes and returns where they go.
+  char* Allocate(Uint32 bytes);
+  void Release() noexcept;
+  void CopyFrom(const char* text);
+
+  char* text_ = nullptr;
+  char inline_[kInlineBytes];
+};
+
+/// A UTF-16 text. Indices and sizes count UTF-16 units. Distinct objects may be used from distinct threads, also when
+/// one is a copy of the other.
+class PEGASUS_COMMON_LINKAGE String {
+ public:
+  static const String EMPTY;
+
+  /// The empty text.
+  String() noexcept = default;
+  String(const String& other) noexcept : rep_(other.rep_) { Retain(rep_); }
+  String(String&& other) noexcept : rep_(other.rep_) { other.rep_ = nullptr; }
+  /// The first `n` units of `other`, or all of them when it has fewer.
+  String(const String& other, Uint32 n);
+  /// Copies units up to the terminating zero; throws NullPointer for a null pointer.
+  String(const Char16* units);  // NOLINT(google-explicit-constructor)
+  String(const Char16* units, Uint32 n);
+  /// Decodes UTF-8; throws Exception for invalid bytes and NullPointer for a null pointer.
+  String(const char* text);  // NOLINT(google-explicit-constructor)
+  /// Decodes exactly `n` bytes of UTF-8.
+  String(const char* text, Uint32 n);
+  ~String() { Release(rep_); }
+
+  String& operator=(const String& other) noexcept;
+  String& operator=(String&& other) noexcept;
+
+  String& assign(const String& other);
+  String& assign(const Char16* units, Uint32 n);
+  String& assign(const Char16* units);
+  String& assign(const char* text, Uint32 n);
+  String& assign(const char* text);
+
+  void clear() noexcept;
+  /// Makes room for `capacity` units; the text stays.
+  void reserveCapacity(Uint32 capacity);
+
+  /// The text as UTF-8; an unpaired surrogate becomes U+FFFD.
+  CString getCString() const;
+  /// The zero-terminated units; valid until the string is changed or destroyed.
+  const Char16* getChar16Data() const noexcept;
+  Uint32 size() const noexcept { return rep_ != nullptr ? rep_->size : 0; }
+
+  /// Unit at `index`; the terminating zero at `index` == size(). Throws IndexOutOfBoundsException beyond.
+  Char16& operator[](Uint32 index);
+  const Char16 operator[](Uint32 index) const;  // NOLINT(readability-const-return-type)
+
+  String& append(const Char16& unit);
+  String& append(const Char16* units, Uint32 n);
+  String& append(const String& other);
+  /// Appends what printf would write, read as UTF-8.
+  void appendPrintf(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+  /// Removes `size` units from `index` on, or all of them. Throws IndexOutOfBoundsException when they do not exist.
+  void remove(Uint32 index, Uint32 size = PEG_NOT_FOUND);
+  /// At most `n` units from `index` on; empty when `index` is at or beyond the end.
+  String subString(Uint32 index, Uint32 n = PEG_NOT_FOUND) const;
+
+  /// Index of the first match, or PEG_NOT_FOUND; an empty text is never found.
+  Uint32 find(Char16 unit) const noexcept;
+  Uint32 find(Uint32 index, Char16 unit) const noexcept;
+  Uint32 find(const String& text) const noexcept;
+  Uint32 reverseFind(Char16 unit) const noexcept;
+
+  /// Folds A-Z only.
+  void toLower();
+
+  /// Order by UTF-16 unit: negative, 0 or positive. The NoCase forms fold A-Z only.
+  static int compare(const String& a, const String& b, Uint32 n) noexcept;
+  static int compare(const String& a, const String& b) noexcept;
+  static int compareNoCase(const String& a, const String& b) noexcept;
+  static Boolean equal(const String& a, const String& b) noexcept;
+  static Boolean equalNoCase(const String& a, const String& b) noexcept;
+
+ private:
+  /// Head of a buffer; the units and a terminating zero follow it in the same allocation.
+  struct Rep {
+    std::atomic<Uint32> references{1};
+    Uint32 size = 0;
+    Uint32 capacity = 0;
+    Char16* Data() noexcept { return reinterpret_cast<Char16*>(this + 1); }
+  };
+
+  static Rep* NewRep(Uint32 capacity);
+  static Rep* NewRep(const Char16* units, Uint32 n);
+  static Rep* DecodeUtf8(const char* text, Uint32 n);
+  static void Free(Rep* rep) noexcept;
+  static void Retain(Rep* rep) noexcept {
+    if (rep != nullptr) {
+      rep->references.fetch_add(1, std::memory_order_relaxed);
+    }
+  }
+  static void Release(Rep* rep) noexcept {
+    if (rep != nullptr && rep->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+      Free(rep);
+    }
+  }
+  void Reset(Rep* rep) noexcept;
+  bool IsWritable(Uint32 capacity) const noexcept;
+  Char16* MakeWritable(Uint32 capacity);
+
+  Rep* rep_ = nullptr;  // null: empty
+};
+
+PEGASUS_COMMON_LINKAGE Boolean operator==(const String& a, const String& b) noexcept;
+PEGASUS_COMMON_LINKAGE Boolean operator==(const String& a, const char* b);
+PEGASUS_COMMON_LINKAGE Boolean operator==(const char* a, const String& b);
+PEGASUS_COMMON_LINKAGE Boolean operator!=(const String& a, const String& b) noexcept;
+PEGASUS_COMMON_LINKAGE Boolean operator<(const String& a, const String& b) noexcept;
+PEGASUS_COMMON_LINKAGE Boolean operator<=(const String& a, const String& b) noexcept;
+PEGASUS_COMMON_LINKAGE Boolean operator>(const String& a, const String& b) noexcept;
+PEGASUS_COMMON_LINKAGE Boolean operator>=(const String& a, const String& b) noexcept;
+PEGASUS_COMMON_LINKAGE String operator+(const String& a, const String& b);
+
+/// Writes units below U+0100 as one byte each and others as a backslash and four upper-case hex digits. For UTF-8,
+/// stream getCString().
+PEGASUS_COMMON_LINKAGE std::ostream& operator<<(std::ostream& out, const String& text);
+
+}  // namespace Pegasus
