@@ -1,0 +1,20 @@
+# Chooses the CIM client (ORVANE_PEGASUS) and provides it as Orvane::pegasus; nothing else asks which one it is.
+if(NOT ORVANE_PEGASUS MATCHES "^(auto|bundled|system)$")
+  message(FATAL_ERROR "ORVANE_PEGASUS is '${ORVANE_PEGASUS}'; use auto, bundled or system")
+endif()
+
+if(ORVANE_PEGASUS STREQUAL "system")
+  find_package(OpenPegasus REQUIRED)
+elseif(ORVANE_PEGASUS STREQUAL "auto")
+  find_package(OpenPegasus QUIET)
+endif()
+
+if(NOT ORVANE_PEGASUS STREQUAL "bundled" AND OpenPegasus_FOUND)
+  message(STATUS "CIM client: OpenPegasus, ${OpenPegasus_CLIENT_LIBRARY}")
+  set(ORVANE_PEGASUS_BUNDLED OFF)
+  add_library(Orvane::pegasus ALIAS OpenPegasus::client)
+else()
+  message(STATUS "CIM client: bundled")
+  set(ORVANE_PEGASUS_BUNDLED ON)
+  add_subdirectory(pegasus)
+endif()
