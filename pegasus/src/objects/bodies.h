@@ -1,0 +1,102 @@
+// What the handle classes point at: one plain structure per kind of object. Handles share these, clone() copies them.
+#pragma once
+
+#include <Pegasus/Common/CIMMethod.h>
+#include <Pegasus/Common/CIMName.h>
+#include <Pegasus/Common/CIMObjectPath.h>
+#include <Pegasus/Common/CIMParameter.h>
+#include <Pegasus/Common/CIMProperty.h>
+#include <Pegasus/Common/CIMQualifier.h>
+#include <Pegasus/Common/CIMScope.h>
+#include <Pegasus/Common/CIMValue.h>
+
+#include "objects/internal.h"
+#include "objects/named_set.h"
+
+namespace Pegasus::objects {
+
+using QualifierSet = NamedSet<CIMQualifier>;
+
+struct QualifierBody {
+  CIMName name;
+  CIMValue value;
+  CIMFlavor flavor;
+  Boolean propagated = false;
+  Uint32 containers = 0;  // how many objects this is part of; its name is fixed while there is one
+};
+
+struct QualifierDeclBody {
+  CIMName name;
+  CIMValue value;
+  CIMScope scope;
+  CIMFlavor flavor;
+  Uint32 arraySize = 0;
+};
+
+struct ParamValueBody {
+  String name;
+  CIMValue value;
+  Boolean isTyped = true;
+};
+
+struct PropertyBody {
+  CIMName name;
+  CIMValue value;
+  CIMName referenceClassName;
+  CIMName classOrigin;
+  Uint32 arraySize = 0;
+  Boolean propagated = false;
+  Uint32 containers = 0;
+  QualifierSet qualifiers;
+};
+
+struct ParameterBody {
+  CIMName name;
+  CIMType type = CIMTYPE_BOOLEAN;
+  Boolean isArray = false;
+  Uint32 arraySize = 0;
+  CIMName referenceClassName;
+  Uint32 containers = 0;
+  QualifierSet qualifiers;
+};
+
+struct MethodBody {
+  CIMName name;
+  CIMType type = CIMTYPE_BOOLEAN;
+  CIMName classOrigin;
+  Boolean propagated = false;
+  Uint32 containers = 0;
+  QualifierSet qualifiers;
+  NamedSet<CIMParameter> parameters;
+};
+
+/// An instance or, with the last two members in use, a class.
+struct ObjectBody {
+  explicit ObjectBody(bool ofClass) : isClass(ofClass) {}
+
+  const bool isClass;
+  CIMObjectPath path;  // its class name is the object's
+  QualifierSet qualifiers;
+  NamedSet<CIMProperty> properties;
+  CIMName superClassName;
+  NamedSet<CIMMethod> methods;
+};
+
+/// The body of a handle; throws UninitializedObjectException when it has none.
+template <typename Handle>
+auto& RequireBody(const Handle& handle) {
+  const auto& body = Access::BodyPointer(handle);
+  if (!body) {
+    throw UninitializedObjectException();
+  }
+  return *body;
+}
+
+/// Throws UninitializedObjectException for a null name.
+inline void RequireName(const CIMName& name) {
+  if (name.isNull()) {
+    throw UninitializedObjectException();
+  }
+}
+
+}  // namespace Pegasus::objects
