@@ -15,7 +15,9 @@ endif()
 find_program(ORVANE_CCACHE ccache)
 mark_as_advanced(ORVANE_CCACHE)
 if(ORVANE_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${ORVANE_CCACHE}")
+  # Paths below the checkout do not count, so that two clones share results.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+                                  "${ORVANE_CCACHE}")
 endif()
 
 add_library(orvane_build_options INTERFACE)
