@@ -67,4 +67,8 @@ constexpr char kUuid[] = "UUID";
 constexpr char kVersionString[] = "VersionString";
 constexpr char kVpdId[] = "VpdId";
 
+// Values of CIM_ComputerSystem.Dedicated.
+constexpr unsigned short kDedicatedIOModule = 12;
+constexpr unsigned short kDedicatedCmm = 29;
+
 }  // namespace Orvane::cim
