@@ -60,9 +60,11 @@ class PEGASUS_COMMON_LINKAGE CIMDateTime {
   Boolean operator!=(const CIMDateTime& other) const;
 
  private:
-  CIMDateTime(Sint64 microseconds, char sign, Sint32 offsetMinutes, Uint8 wildcards);
+  CIMDateTime(Sint64 microseconds, char sign, Uint16 offset, Uint8 wildcards);
 
-  Sint64 Compare(const CIMDateTime& other) const;
+  Sint64 SignedOffset() const;
+  Sint64 UtcMicroseconds() const;
+  int Compare(const CIMDateTime& other) const;
 
   Sint64 microseconds_ = 0;  // interval length, or local time since the start of the year 0
   Uint16 offset_ = 0;        // minutes, without its sign
