@@ -1,0 +1,25 @@
+// The bounds that keep a hostile or broken server from taking more memory than its answer is worth.
+// Every limit of the HTTP reader stands here and nowhere else.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+
+namespace Pegasus::transport::limits {
+
+/// Bytes of a status line with its headers, and of a block of trailers.
+constexpr std::size_t kHeadBytes = 256U * 1024U;
+/// Header lines of one response, and trailer lines.
+constexpr std::size_t kHeaders = 1000;
+/// Bytes of the line that announces a chunk, extensions included.
+constexpr std::size_t kChunkLineBytes = 4096;
+/// Bytes of a response body that is kept.
+constexpr std::size_t kBodyBytes = 512U * 1024U * 1024U;
+/// Bytes of an error response's body that are read to keep the connection; a longer one costs the connection.
+constexpr std::size_t kErrorBodyBytes = 1024U * 1024U;
+/// How long the rest of an error response's body is waited for; its status is known by then.
+constexpr std::chrono::milliseconds kErrorBodyWait{2000};
+/// Bytes asked of the socket at a time.
+constexpr std::size_t kReadBytes = 64U * 1024U;
+
+}  // namespace Pegasus::transport::limits

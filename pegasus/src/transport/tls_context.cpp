@@ -1,0 +1,108 @@
+// The OpenSSL side of an SSLContext: versions, certificates and verification of the connections made from it.
+#include "transport/tls_context.h"
+
+#include <Pegasus/Common/Exception.h>
+#include <openssl/err.h>
+#include <openssl/x509_vfy.h>
+#include <sys/stat.h>
+
+#include "transport/certificate_info.h"
+#include "transport/text.h"
+
+namespace Pegasus::transport {
+
+namespace {
+
+[[noreturn]] void ThrowUnusable(const char* what, const String& path) {
+  ERR_clear_error();
+  String message(what);
+  message.append(path);
+  message.append(String("."));
+  throw SSLException(message);
+}
+
+int CallbackIndex() {
+  static const int index = SSL_get_ex_new_index(0, nullptr, nullptr, nullptr, nullptr);
+  return index;
+}
+
+/// Hands every result of OpenSSL's own check to the user's function, whose word is final.
+int VerifyCertificate(int passed, X509_STORE_CTX* context) {
+  auto* ssl = static_cast<SSL*>(X509_STORE_CTX_get_ex_data(context, SSL_get_ex_data_X509_STORE_CTX_idx()));
+  const auto* callback =
+      ssl == nullptr ? nullptr : static_cast<const SSLCallbackInfo*>(SSL_get_ex_data(ssl, CallbackIndex()));
+  if (callback == nullptr) return passed;
+  try {
+    SSLCertificateInfo info = CertificateInfoFactory::Make(context, passed);
+    return callback->GetVerifyFunction()(info) ? 1 : 0;
+  } catch (...) {
+    // No exception can travel through OpenSSL's frames; a judge that fails has not said yes.
+    return 0;
+  }
+}
+
+void LoadTrustStore(SSL_CTX* context, const String& path) {
+  if (path.size() == 0) return;
+  const std::string name = Utf8(path);
+  struct stat status {};
+  if (::stat(name.c_str(), &status) != 0) ThrowUnusable("Could not load certificates in to trust store ", path);
+  const bool directory = S_ISDIR(status.st_mode);
+  const int loaded =
+      directory ? SSL_CTX_load_verify_dir(context, name.c_str()) : SSL_CTX_load_verify_file(context, name.c_str());
+  if (loaded != 1) ThrowUnusable("Could not load certificates in to trust store ", path);
+}
+
+void LoadOwnCertificate(SSL_CTX* context, const String& certPath, const String& keyPath) {
+  if (certPath.size() == 0) return;
+  if (SSL_CTX_use_certificate_chain_file(context, Utf8(certPath).c_str()) != 1) {
+    ThrowUnusable("Could not access server certificate in ", certPath);
+  }
+  const String& key = keyPath.size() == 0 ? certPath : keyPath;
+  if (SSL_CTX_use_PrivateKey_file(context, Utf8(key).c_str(), SSL_FILETYPE_PEM) != 1 ||
+      SSL_CTX_check_private_key(context) != 1) {
+    ThrowUnusable("Could not access private key in ", key);
+  }
+}
+
+void LoadRevocationLists(SSL_CTX* context, const String& path) {
+  if (path.size() == 0) return;
+  X509_STORE* store = SSL_CTX_get_cert_store(context);
+  const std::string name = Utf8(path);
+  struct stat status {};
+  const bool directory = ::stat(name.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+  X509_LOOKUP* lookup = X509_STORE_add_lookup(store, directory ? X509_LOOKUP_hash_dir() : X509_LOOKUP_file());
+  const bool loaded =
+      lookup != nullptr && (directory ? X509_LOOKUP_add_dir(lookup, name.c_str(), X509_FILETYPE_PEM)
+                                      : X509_load_crl_file(lookup, name.c_str(), X509_FILETYPE_PEM)) > 0;
+  if (!loaded) ThrowUnusable("Could not load revocation lists in ", path);
+  X509_STORE_set_flags(store, X509_V_FLAG_CRL_CHECK);
+}
+
+}  // namespace
+
+SslContextPointer MakeSslContext(const SSLContext& settings) {
+  ERR_clear_error();
+  SslContextPointer context(SSL_CTX_new(TLS_client_method()));
+  if (!context) ThrowUnusable("Could not get SSL CTX", String());
+  SSL_CTX_set_min_proto_version(context.get(), TLS1_2_VERSION);
+  SSL_CTX_set_session_cache_mode(context.get(), SSL_SESS_CACHE_OFF);
+  SSL_CTX_set_quiet_shutdown(context.get(), 1);
+  LoadTrustStore(context.get(), settings.getTrustStore());
+  LoadOwnCertificate(context.get(), settings.getCertPath(), settings.getKeyPath());
+  LoadRevocationLists(context.get(), settings.getCRLPath());
+  const bool callback = settings.getSSLCertificateVerifyFunction() != nullptr;
+  SSL_CTX_set_verify(context.get(), settings.isPeerVerificationEnabled() ? SSL_VERIFY_PEER : SSL_VERIFY_NONE,
+                     callback ? &VerifyCertificate : nullptr);
+  return context;
+}
+
+SslPointer MakeSsl(SSL_CTX* context, SSLCallbackInfo& callback) {
+  SslPointer ssl(SSL_new(context));
+  if (!ssl || SSL_set_ex_data(ssl.get(), CallbackIndex(), &callback) != 1) {
+    ThrowUnusable("Could not make an SSL connection", String());
+  }
+  SSL_set_connect_state(ssl.get());
+  return ssl;
+}
+
+}  // namespace Pegasus::transport

@@ -1,0 +1,48 @@
+// A TLS connection over a TCP connection. OpenSSL only turns bytes into bytes here; sending, receiving and waiting are
+// the TCP stream's.
+#pragma once
+
+#include <Pegasus/Common/SSLContext.h>
+#include <openssl/ssl.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "transport/stream.h"
+#include "transport/tcp_stream.h"
+#include "transport/tls_context.h"
+
+namespace Pegasus::transport {
+
+class TlsStream : public Stream {
+ public:
+  /// @throws SSLException when the files that `settings` names cannot be used
+  TlsStream(std::unique_ptr<TcpStream> tcp, const SSLContext& settings);
+
+  /// @param timeout milliseconds for each wait
+  IoStatus Handshake(std::uint32_t timeout);
+
+  IoStatus Write(std::string_view bytes, Deadline deadline) override;
+  IoStatus Read(char* buffer, std::size_t size, std::size_t& count, Deadline deadline) override;
+  bool IsIdle() override;
+
+ private:
+  /// Sends what OpenSSL has for the server.
+  IoStatus Flush(Deadline deadline);
+  /// Waits for bytes from the server and hands them to OpenSSL.
+  IoStatus Fill(Deadline deadline);
+  /// What to do after a call of OpenSSL returned `result` without success: kOk to repeat it.
+  IoStatus Resume(int result, Deadline deadline);
+
+  std::unique_ptr<TcpStream> tcp_;
+  SSLContext settings_;
+  SSLCallbackInfo callback_;
+  SslContextPointer context_;
+  SslPointer ssl_;
+  BIO* incoming_ = nullptr;
+  BIO* outgoing_ = nullptr;
+  std::vector<char> buffer_;
+};
+
+}  // namespace Pegasus::transport
