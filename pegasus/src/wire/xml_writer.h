@@ -49,6 +49,12 @@ void AppendQualifier(std::string& out, const CIMConstQualifier& qualifier);
 /// Appends the VALUE, VALUE.ARRAY, VALUE.REFERENCE or VALUE.REFARRAY element of `value`; nothing for NULL.
 void AppendValue(std::string& out, const CIMValue& value);
 
+/// The name of `type` in a TYPE or PARAMTYPE attribute: objects and instances travel as strings.
+std::string_view WireType(CIMType type);
+
+/// The attributes, each with a blank before it, which tell that a string holds an object or instance; else empty.
+std::string_view EmbeddedAttributes(CIMType type);
+
 /// Appends one PARAMVALUE element.
 void AppendParamValue(std::string& out, const CIMParamValue& parameter);
 

@@ -1,0 +1,98 @@
+// Decodes values, properties, qualifiers, instances and classes.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Pegasus/Common/CIMClass.h"
+#include "Pegasus/Common/CIMInstance.h"
+#include "Pegasus/Common/CIMMethod.h"
+#include "Pegasus/Common/CIMObject.h"
+#include "Pegasus/Common/CIMParameter.h"
+#include "Pegasus/Common/CIMProperty.h"
+#include "Pegasus/Common/CIMQualifier.h"
+#include "Pegasus/Common/CIMValue.h"
+#include "wire/name_cache.h"
+#include "wire/path_decoder.h"
+#include "wire/xml_reader.h"
+
+namespace Pegasus::wire {
+
+/// What the text of a string value stands for.
+enum class Embedded { kNone, kInstance, kObject };
+
+/// The type of a value as it is declared in a response.
+struct ValueType {
+  CIMType type = CIMTYPE_STRING;
+  Embedded embedded = Embedded::kNone;
+
+  /// The type as users see it: an embedded instance is no string.
+  CIMType Visible() const;
+};
+
+/// Decoder of a response's objects; every Read function expects its element in view and takes it.
+class ObjectDecoder {
+ public:
+  explicit ObjectDecoder(XmlReader& reader, unsigned embeddingDepth = 0)
+      : reader_(reader), paths_(reader, names_), embeddingDepth_(embeddingDepth) {}
+
+  PathDecoder& Paths() { return paths_; }
+
+  /// `message` is for anything but an INSTANCE.
+  CIMInstance ReadInstance(const char* message = "expected INSTANCE element");
+  CIMClass ReadClass();
+  /// A VALUE element.
+  CIMValue ReadValue(ValueType type);
+  /// A VALUE.ARRAY element.
+  CIMValue ReadValueArray(ValueType type);
+  /// A VALUE.REFARRAY element.
+  CIMValue ReadReferenceArray();
+
+  /// The meaning of an EmbeddedObject attribute.
+  Embedded ToEmbedded(std::string_view text) const;
+  /// The embedding that the attributes of the element in view declare.
+  Embedded FindEmbedded() const;
+
+ private:
+  struct PropertyAttributes;
+
+  PropertyAttributes ReadPropertyAttributes(std::string_view element) const;
+  /// The PROPERTY, PROPERTY.ARRAY or PROPERTY.REFERENCE in view; false when there is none.
+  bool ReadProperty(CIMProperty& property);
+  CIMProperty ReadScalarProperty();
+  CIMProperty ReadArrayProperty();
+  CIMProperty ReadReferenceProperty();
+  CIMProperty MakeProperty(const PropertyAttributes& attributes, std::string_view element, CIMName&& name,
+                           CIMValue&& value, Uint32 arraySize);
+  ValueType NeedPropertyType(const PropertyAttributes& attributes, std::string_view element) const;
+  Uint32 ToArraySize(std::string_view text) const;
+
+  CIMQualifier ReadQualifier();
+  std::vector<CIMQualifier> ReadQualifiers();
+  template <typename Owner>
+  void AddQualifiers(Owner& owner, const std::vector<CIMQualifier>& qualifiers) const;
+  template <typename Owner>
+  void ReadProperties(Owner& owner);
+  CIMMethod ReadMethod();
+  bool ReadParameter(CIMMethod& method);
+
+  template <typename T>
+  T ParseInteger(std::string_view text) const;
+  template <typename T>
+  T ParseRealNumber(std::string_view text) const;
+  bool ParseTruth(std::string_view text) const;
+  Char16 ParseChar16(std::string_view text) const;
+  CIMDateTime ParseDateTime(std::string_view text) const;
+  CIMValue ParseScalar(CIMType type, std::string_view text);
+  CIMObject ParseEmbedded(Embedded embedded, std::string_view text) const;
+  template <typename T, typename Parse>
+  CIMValue ReadArray(Parse parse);
+
+  XmlReader& reader_;
+  NameCache names_;
+  PathDecoder paths_;
+  unsigned embeddingDepth_;
+};
+
+}  // namespace Pegasus::wire

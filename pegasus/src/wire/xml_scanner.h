@@ -1,0 +1,97 @@
+// Splits the text of a response into XML tokens in one pass over the buffer, which it changes: references are decoded
+// in place, so that every token is a view into the buffer. There is no tree, no entity expansion and no recursion.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Pegasus::wire {
+
+/// How deep elements may be nested. CIM-XML needs about twenty levels; the limit bounds the decoders' recursion.
+inline constexpr std::size_t kMaxElementNesting = 200;
+
+/// What is wrong with a text. The names appear in the messages of CIMClientXmlException.
+enum class XmlError {
+  kBadOpeningElement,
+  kBadClosingElement,
+  kBadAttributeName,
+  kExpectedEqualSign,
+  kBadAttributeValue,
+  kMinusMinusInComment,
+  kUnterminatedComment,
+  kUnterminatedCData,
+  kMalformedReference,
+  kExpectedCommentOrCData,
+  kStartEndMismatch,
+  kUnclosedTags,
+  kValidation,
+  kSemantic,
+};
+
+/// Tokenizer. Not copyable: its views point into its own buffer.
+class XmlScanner {
+ public:
+  enum class Token { kStart, kClose, kText, kCData, kDeclaration, kDoctype, kEnd };
+
+  struct Attribute {
+    std::string_view name;
+    std::string_view value;
+  };
+
+  /// Takes the text over. A NUL byte ends it.
+  explicit XmlScanner(std::string&& text);
+  XmlScanner(const XmlScanner&) = delete;
+  XmlScanner& operator=(const XmlScanner&) = delete;
+  ~XmlScanner() = default;
+
+  /// Goes on to the next token; comments and the white space between tokens are skipped. An empty-element tag gives a
+  /// kStart and a kClose. Throws CIMClientXmlException when the text is not well-formed.
+  void Next();
+
+  Token Current() const { return token_; }
+  /// The element's name, or the text without the raw white space around it.
+  std::string_view Text() const { return text_; }
+  /// The attributes of a kStart or kDeclaration.
+  const std::vector<Attribute>& Attributes() const { return attributes_; }
+  /// Tells whether the current kStart came from an empty-element tag.
+  bool IsEmptyTag() const { return closePending_; }
+
+  /// Position behind the current token, for Fail.
+  const char* Position() const { return cursor_; }
+
+  /// Throws CIMClientXmlException for a problem before `position`; `detail` is cut when it is long.
+  [[noreturn]] void Fail(XmlError error, const char* position, std::string_view detail = {}) const;
+
+ private:
+  void ScanMarkup();
+  void ScanDeclaration();
+  void ScanStart();
+  void ScanClose();
+  void ScanText();
+  void ScanCData();
+  void SkipComment();
+  void ScanAttributes();
+  void ScanAttribute();
+  void SkipWhiteSpace();
+  std::string_view ScanName(XmlError error);
+  /// Decodes the references in [begin, end) in place and returns the shortened text.
+  std::string_view DecodeReferences(char* begin, char* end);
+  /// Decodes the reference at `from`, moves `from` behind it and returns the byte it stands for.
+  char DecodeReference(const char*& from, const char* end) const;
+
+  std::string buffer_;
+  char* begin_;
+  char* end_;
+  char* cursor_;
+  Token token_ = Token::kEnd;
+  bool closePending_ = false;
+  std::string_view text_;
+  std::vector<Attribute> attributes_;
+  std::vector<std::string_view> open_;
+  /// Line ends that decoding removed from the buffer, less those it put there.
+  std::ptrdiff_t hiddenLines_ = 0;
+};
+
+}  // namespace Pegasus::wire
