@@ -92,6 +92,28 @@ auto& RequireBody(const Handle& handle) {
   return *body;
 }
 
+/// Adds `item` to the set; throws UninitializedObjectException for an uninitialised handle and AlreadyExistsException,
+/// naming the `kind` of thing, when its name is there already.
+template <typename Handle>
+void AddMember(NamedSet<Handle>& set, const Handle& item, const char* kind) {
+  const CIMName& name = RequireBody(item).name;
+  if (!set.TryAdd(Handle(item))) {
+    throw AlreadyExistsException(String(kind) + " \"" + name.getString() + "\"");
+  }
+}
+
+/// Changes the name of a handle's body; throws as setName() of the handles does.
+template <typename Body>
+void Rename(Body& body, const CIMName& name, const char* kind) {
+  if (name.isNull()) {
+    throw UninitializedObjectException();
+  }
+  if (body.containers != 0) {
+    throw Exception(String("Attempted to change the name of a ") + kind + " already in a container.");
+  }
+  body.name = name;
+}
+
 /// Throws UninitializedObjectException for a null name.
 inline void RequireName(const CIMName& name) {
   if (name.isNull()) {

@@ -67,6 +67,8 @@ struct Access {
 
   // ---- handles and bodies, for this folder ------------------------------------------------------------------------
 
+  static CIMProperty Clone(const PropertyBody& body);
+
   template <typename Handle>
   static auto& BodyPointer(Handle& handle) {
     return handle.body_;

@@ -55,7 +55,7 @@ class PEGASUS_COMMON_LINKAGE CIMObjectPath {
   CIMObjectPath() = default;
   /// Parses the text form; MalformedObjectNameException tells what is wrong with it.
   CIMObjectPath(const String& objectName);
-  /// MalformedObjectNameException when the host is not legal or a REFERENCE key is no path with keys.
+  /// MalformedObjectNameException when the host is not legal or the value of a REFERENCE key is no path.
   CIMObjectPath(const String& host, const CIMNamespaceName& nameSpace, const CIMName& className,
                 const Array<CIMKeyBinding>& keyBindings = Array<CIMKeyBinding>());
   /// Parses like the constructor; on an exception the path stays as it was.
@@ -75,7 +75,7 @@ class PEGASUS_COMMON_LINKAGE CIMObjectPath {
   void setClassName(const CIMName& className);
   /// The keys in the order of their names, ignoring ASCII case.
   const Array<CIMKeyBinding>& getKeyBindings() const;
-  /// Keeps the keys sorted; MalformedObjectNameException when a REFERENCE key is no path with keys.
+  /// Keeps the keys sorted; MalformedObjectNameException when the value of a REFERENCE key is no path.
   void setKeyBindings(const Array<CIMKeyBinding>& keyBindings);
 
   /// The text form; keys come in sorted order, so it may differ from a text that was parsed.

@@ -28,7 +28,7 @@ class PEGASUS_COMMON_LINKAGE CIMValue {
  public:
   /// A NULL boolean scalar.
   CIMValue() = default;
-  /// The NULL value of `type`; `arraySize` is kept for arrays and must be 0 for scalars (TypeMismatchException).
+  /// The NULL value of `type`; `arraySize` is kept for arrays and ignored for scalars.
   CIMValue(CIMType type, Boolean isArray, Uint32 arraySize = 0);
   CIMValue(Boolean x);
   CIMValue(Uint8 x);
