@@ -68,11 +68,10 @@ std::string Connection::Exchange(const wire::Request& request, std::uint32_t tim
 }
 
 HttpResponse Connection::RoundTrip(const wire::Request& request, Deadline deadline) {
-  const std::string head =
+  std::string bytes =
       BuildHead(request, {target_->endpoint.host, target_->endpoint.port, cookie_, authentication_.HeaderValue()});
-  IoStatus sent = stream_->Write(head, deadline);
-  if (sent == IoStatus::kOk) sent = stream_->Write(request.body, deadline);
-  if (sent == IoStatus::kTimeout) FailByTimeout();
+  bytes += request.body;
+  if (stream_->Write(bytes, deadline) == IoStatus::kTimeout) FailByTimeout();
   // A server may refuse a request without reading all of it, so a failed send does not mean that there is no answer.
   try {
     return ReadResponse(deadline);
@@ -105,7 +104,9 @@ HttpResponse Connection::ReadResponse(Deadline deadline) {
     }
     if (reader.Take({buffer.data(), count})) return reader.Result();
     // A server that never stops sending must not get round the time-out.
-    if (Deadline::Clock::now() >= deadline.Time()) FailByTimeout();
+    if (Deadline::Clock::now() < errorBody.value_or(deadline).Time()) continue;
+    if (errorBody) return reader.Abandon();
+    FailByTimeout();
   }
 }
 

@@ -1,0 +1,116 @@
+// A server that plays a script of raw bytes: for tests of what a client does when a server answers slowly, wrongly,
+// partly or not at all. It knows just enough HTTP to find the end of a request.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "testing/certificate.h"
+
+namespace Orvane::testing {
+
+/// One thing the server does on a connection.
+struct RawAction {
+  enum class Kind {
+    kSend,        ///< sends `bytes`, `@ID@` replaced by the MESSAGE ID of the request
+    kClose,       ///< closes the connection, without a TLS goodbye
+    kCloseTls,    ///< closes the connection, saying goodbye first when it is a TLS connection
+    kReset,       ///< closes the connection with a TCP reset
+    kSleep,       ///< waits for `wait`, or until the server is stopped
+    kStopListen,  ///< refuses connections from now on
+    kHang,        ///< keeps the connection open, silent and unread until the server is stopped
+  };
+
+  Kind kind = Kind::kHang;
+  std::string bytes;
+  std::chrono::milliseconds wait{0};
+
+  static RawAction Send(std::string bytes) { return {Kind::kSend, std::move(bytes), {}}; }
+  static RawAction Close() { return {Kind::kClose, {}, {}}; }
+  static RawAction CloseTls() { return {Kind::kCloseTls, {}, {}}; }
+  static RawAction Reset() { return {Kind::kReset, {}, {}}; }
+  static RawAction Sleep(std::chrono::milliseconds wait) { return {Kind::kSleep, {}, wait}; }
+  static RawAction StopListen() { return {Kind::kStopListen, {}, {}}; }
+  static RawAction Hang() { return {Kind::kHang, {}, {}}; }
+};
+
+using RawActions = std::vector<RawAction>;
+
+struct RawServerOptions {
+  /// Numeric address of the loopback interface.
+  std::string address = "127.0.0.1";
+  /// PEM certificate chain and key; empty for a plain server.
+  Certificate certificate;
+  /// 0x0303 for TLS 1.2, 0x0304 for TLS 1.3; 0 leaves the bound open.
+  int minTls = 0;
+  int maxTls = 0;
+  /// Done on every connection before its first request is read.
+  RawActions onConnect;
+  /// What is done per request received, over all connections; behind its end the server keeps silent.
+  std::vector<RawActions> script;
+};
+
+/// A request as it came.
+struct RawRequest {
+  unsigned connection = 0;  ///< from 1, in the order of acceptance
+  std::string head;         ///< request line and headers with their line ends, the empty line included
+  std::string body;
+
+  /// The lines of the head that begin with `name` and a colon.
+  std::vector<std::string> Lines(const std::string& name) const;
+  /// The MESSAGE ID in the body, empty when there is none.
+  std::string MessageId() const;
+};
+
+/// Listens from construction on; the destructor closes everything and joins its threads.
+class RawServer {
+ public:
+  /// @throws std::runtime_error when it cannot listen or cannot use the certificate
+  explicit RawServer(RawServerOptions options);
+  ~RawServer();
+  RawServer(const RawServer&) = delete;
+  RawServer& operator=(const RawServer&) = delete;
+
+  std::uint16_t Port() const { return port_; }
+  /// Connections accepted so far.
+  unsigned Connections() const;
+  std::vector<RawRequest> Requests() const;
+  /// Waits until one connection has ended, from whichever side; false when that takes longer than `wait`.
+  bool WaitForEnd(std::chrono::milliseconds wait) const;
+
+ private:
+  struct Tls;
+  class Peer;
+
+  void Accept();
+  void Serve(Peer& peer);
+  bool Play(Peer& peer, const RawActions& actions, const std::string& messageId);
+  bool PlayOne(Peer& peer, const RawAction& action, const std::string& messageId);
+  void WaitUntilStopped(std::chrono::milliseconds atMost);
+
+  RawServerOptions options_;
+  std::unique_ptr<Tls> tls_;
+  int listener_ = -1;
+  std::uint16_t port_ = 0;
+  std::atomic<bool> listening_{true};
+
+  mutable std::mutex mutex_;
+  mutable std::condition_variable changed_;
+  bool stopping_ = false;
+  unsigned ended_ = 0;
+  std::vector<RawRequest> requests_;
+  std::vector<std::unique_ptr<Peer>> peers_;
+
+  std::thread acceptor_;
+  std::vector<std::thread> servers_;
+};
+
+}  // namespace Orvane::testing
