@@ -431,7 +431,7 @@ std::ostream& operator<<(std::ostream& out, const String& text) {
       bytes.push_back(static_cast<char>(unit));
       continue;
     }
-    bytes.push_back('\\');
+    bytes.append("\\x");
     for (const Uint32 shift : {12U, 8U, 4U, 0U}) {
       bytes.push_back(kDigits[(unit >> shift) & 0xFU]);
     }

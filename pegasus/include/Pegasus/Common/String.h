@@ -147,7 +147,7 @@ PEGASUS_COMMON_LINKAGE Boolean operator>(const String& a, const String& b) noexc
 PEGASUS_COMMON_LINKAGE Boolean operator>=(const String& a, const String& b) noexcept;
 PEGASUS_COMMON_LINKAGE String operator+(const String& a, const String& b);
 
-/// Writes units below U+0100 as one byte each and others as a backslash and four upper-case hex digits. For UTF-8,
+/// Writes units below U+0100 as one byte each and others as `\x` and four upper-case hex digits. For UTF-8,
 /// stream getCString().
 PEGASUS_COMMON_LINKAGE std::ostream& operator<<(std::ostream& out, const String& text);
 
