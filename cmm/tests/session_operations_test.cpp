@@ -406,7 +406,7 @@ TEST_F(SessionOperations, GetInstancesAsksForInheritedPropertiesToo) {
 
   ASSERT_EQ(server_.Requests().size(), 1u);
   EXPECT_THAT(Parameters(server_.Requests()[0]), ElementsAre("InstanceName", "LocalOnly"));
-  const std::string& body = server_.Requests()[0].body;
+  const std::string body = server_.Requests()[0].body;
   const std::size_t localOnly = body.find("NAME=\"LocalOnly\"");
   ASSERT_NE(localOnly, std::string::npos);
   EXPECT_THAT(body.substr(localOnly), HasSubstr("<VALUE>FALSE</VALUE>"));
