@@ -30,7 +30,7 @@ struct ObjectDecoder::PropertyAttributes {
 Embedded ObjectDecoder::ToEmbedded(std::string_view text) const {
   if (EqualNoCase(text, "instance")) return Embedded::kInstance;
   if (EqualNoCase(text, "object")) return Embedded::kObject;
-  reader_.FailSemantic("Illegal value for EmbeddedObject attribute");
+  reader_.FailAttribute("Illegal value for EmbeddedObject attribute");
 }
 
 Embedded ObjectDecoder::FindEmbedded() const {
@@ -71,7 +71,7 @@ ValueType ObjectDecoder::NeedPropertyType(const PropertyAttributes& attributes, 
   }
   const auto type = ParseType(attributes.type);
   if (!type || *type == CIMTYPE_REFERENCE || (attributes.embedded != Embedded::kNone && *type != CIMTYPE_STRING)) {
-    reader_.FailSemantic(std::string("Illegal value for ").append(element).append(".TYPE attribute"));
+    reader_.FailAttribute(std::string("Illegal value for ").append(element).append(".TYPE attribute"));
   }
   return {*type, attributes.embedded};
 }
@@ -80,7 +80,7 @@ Uint32 ObjectDecoder::ToArraySize(std::string_view text) const {
   if (text.data() == nullptr) return 0;
   const auto size = ParseUnsigned(text);
   if (!size || *size > std::numeric_limits<Uint32>::max()) {
-    reader_.FailSemantic("Illegal value for ARRAYSIZE attribute");
+    reader_.FailAttribute("Illegal value for ARRAYSIZE attribute");
   }
   return static_cast<Uint32>(*size);
 }

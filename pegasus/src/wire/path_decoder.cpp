@@ -36,8 +36,8 @@ const CIMName& PathDecoder::NeedName(std::string_view element, std::string_view 
 const CIMName& PathDecoder::ToName(std::string_view element, std::string_view attribute, std::string_view text) {
   const CIMName* const name = names_.Find(text);
   if (name == nullptr) {
-    reader_.FailSemantic(std::string("Illegal value for ").append(element).append(".").append(attribute) +
-                         " attribute");
+    reader_.FailAttribute(std::string("Illegal value for ").append(element).append(".").append(attribute) +
+                          " attribute");
   }
   return *name;
 }
@@ -92,7 +92,7 @@ CIMKeyBinding PathDecoder::ReadKeyValue(CIMName&& name) {
   } else if (EqualNoCase(typeText, "numeric")) {
     type = CIMKeyBinding::NUMERIC;
   } else if (!EqualNoCase(typeText, "string")) {
-    reader_.FailSemantic("Illegal value for KEYVALUE.VALUETYPE attribute");
+    reader_.FailAttribute("Illegal value for KEYVALUE.VALUETYPE attribute");
   }
   String value = ToString(reader_.TakeTextElement("KEYVALUE"));
   return objects::Access::MakeKeyBindingUnchecked(std::move(name), std::move(value), type);

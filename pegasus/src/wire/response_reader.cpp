@@ -105,7 +105,7 @@ std::optional<ValueType> FindParamType(ResponseEnvelope& envelope, std::string_v
   }
   const auto type = ParseType(*text);
   if (!type || (embedded != Embedded::kNone && *type != CIMTYPE_STRING)) {
-    reader.FailSemantic(std::string("Illegal value for ").append(element).append(".PARAMTYPE attribute"));
+    reader.FailAttribute(std::string("Illegal value for ").append(element).append(".PARAMTYPE attribute"));
   }
   return ValueType{*type, embedded};
 }

@@ -86,6 +86,8 @@ std::optional<CIMType> ParseType(std::string_view text) {
   return std::nullopt;
 }
 
-String ToString(std::string_view text) { return {text.data(), static_cast<Uint32>(text.size())}; }
+String ToString(std::string_view text) {
+  return text.empty() ? String() : String(text.data(), static_cast<Uint32>(text.size()));
+}
 
 }  // namespace Pegasus::wire

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "Pegasus/Common/Exception.h"
-#include "objects/internal.h"
+#include "objects/value_content.h"
 #include "wire/object_decoder.h"
 #include "wire/scalar_text.h"
 

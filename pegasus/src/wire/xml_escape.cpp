@@ -51,6 +51,8 @@ void AppendCharacterReference(std::string& out, unsigned char c) {
 }  // namespace
 
 void AppendEscaped(std::string& out, std::string_view text) {
+  // U+FFFE and U+FFFF are characters of no XML document; U+FFFD takes their place.
+  constexpr std::string_view kNonCharacterStart = "\xEF\xBF";
   // A blank stays raw only between two other characters, or after a blank that was escaped.
   bool afterRawBlank = false;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -66,7 +68,11 @@ void AppendEscaped(std::string& out, std::string_view text) {
       continue;
     }
     afterRawBlank = false;
-    if (IsPlain(c)) {
+    const bool isNonCharacter =
+        (c == 0xBE || c == 0xBF) && i >= 2 && text.substr(i - 2, kNonCharacterStart.size()) == kNonCharacterStart;
+    if (isNonCharacter) {
+      out += '\xBD';
+    } else if (IsPlain(c)) {
       out += static_cast<char>(c);
     } else {
       AppendCharacterReference(out, c);

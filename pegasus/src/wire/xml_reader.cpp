@@ -37,8 +37,7 @@ bool XmlReader::BooleanAttribute(std::string_view element, std::string_view name
   if (!value) return defaultValue;
   if (EqualNoCase(*value, "true")) return true;
   if (EqualNoCase(*value, "false")) return false;
-  scanner_.Fail(XmlError::kSemantic, scanner_.Position(),
-                "Invalid " + AttributeName(element, name) + " attribute value");
+  FailAttribute("Invalid " + AttributeName(element, name) + " attribute value");
 }
 
 std::string_view XmlReader::TakeText() {
@@ -57,6 +56,10 @@ std::string_view XmlReader::TakeTextElement(std::string_view element) {
 
 void XmlReader::FailValidation(const std::string& detail) const {
   scanner_.Fail(XmlError::kValidation, scanner_.Position(), detail);
+}
+
+void XmlReader::FailAttribute(std::string_view detail) const {
+  scanner_.Fail(XmlError::kSemantic, scanner_.Position(), detail);
 }
 
 void XmlReader::FailSemantic(std::string_view detail) const {

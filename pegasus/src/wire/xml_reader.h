@@ -59,6 +59,8 @@ class XmlReader {
 
   /// The token in view is not what it should be.
   [[noreturn]] void FailValidation(const std::string& detail) const;
+  /// An attribute of the element in view has no acceptable meaning.
+  [[noreturn]] void FailAttribute(std::string_view detail) const;
   /// What was taken last has no acceptable meaning.
   [[noreturn]] void FailSemantic(std::string_view detail) const;
 

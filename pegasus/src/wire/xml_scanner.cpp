@@ -200,7 +200,8 @@ void XmlScanner::ScanAttribute() {
   const std::string_view name = ScanName(XmlError::kBadAttributeName);
   SkipWhiteSpace();
   if (*cursor_ != '=') {
-    Fail(Is(*cursor_, kNameStart) || cursor_ == end_ ? XmlError::kBadAttributeName : XmlError::kExpectedEqualSign,
+    Fail(Is(*cursor_, kNameStart) || *cursor_ == '?' || cursor_ == end_ ? XmlError::kBadAttributeName
+                                                                        : XmlError::kExpectedEqualSign,
          cursor_);
   }
   ++cursor_;
