@@ -32,7 +32,12 @@ String TextOf(Real64 x) {
 
 String TextOf(Real32 x) { return TextOf(static_cast<Real64>(x)); }
 
-String TextOf(const Char16& x) { return {&x, 1}; }
+/// The first half of a surrogate pair has no text of its own.
+String TextOf(const Char16& x) {
+  constexpr Uint16 kPairMask = 0xFC00;
+  constexpr Uint16 kFirstHalf = 0xD800;
+  return {&x, (static_cast<Uint16>(x) & kPairMask) == kFirstHalf ? 0U : 1U};
+}
 
 const String& TextOf(const String& x) { return x; }
 
