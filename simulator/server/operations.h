@@ -1,0 +1,57 @@
+// Carries out CIM operations on the store of a chassis: which parameters an operation has, what it answers, and which
+// CIM error a request ends in that cannot be carried out.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cim/object_store.h"
+#include "wire/request.h"
+
+namespace Orvane::simulator {
+
+/// The outcome of an extrinsic method.
+struct MethodResult {
+  std::uint32_t returnValue = 0;
+  std::vector<MethodParameter> out;
+};
+
+/// What an extrinsic method does; called with the store locked and an existing target. May throw CimError.
+using Method = std::function<MethodResult(ObjectStore& store, const ObjectPath& target,
+                                          const std::vector<MethodParameter>& parameters)>;
+
+/// Thread-safe: requests of several clients see one store, one operation at a time.
+class Operations {
+ public:
+  /// @param host  name of the server in the paths it hands out
+  Operations(ObjectStore store, std::string host);
+
+  /// Lets a method of a class, which the class repository must declare, and of its subclasses be invoked.
+  /// Not thread-safe; call it before the first request.
+  void AddMethod(const std::string& className, const std::string& method, Method action);
+
+  /// Carries out one request and returns the body of its answer, a CIM error included.
+  std::string Answer(const Request& request);
+
+  /// How many requests of an operation were answered; extrinsic methods count as "InvokeMethod".
+  std::uint64_t Count(const std::string& operation) const;
+
+ private:
+  void AppendIntrinsic(std::string& out, const Request& request) const;
+  void AppendExtrinsic(std::string& out, const Request& request);
+  const Method* FindMethod(const ClassDeclaration& declaration, const std::string& name) const;
+
+  mutable std::mutex mutex_;
+  ObjectStore store_;
+  const std::string host_;
+  std::map<std::pair<std::string, std::string>, Method> methods_;
+  std::map<std::string, std::uint64_t> counts_;
+};
+
+}  // namespace Orvane::simulator

@@ -1,0 +1,291 @@
+// The simulator on the network: listeners, connections over TCP and TLS, and HTTP messages on them. Boost.Asio and
+// Boost.Beast stay inside this file; everything that CIM says about HTTP is in http_message.
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/ssl/context.hpp>
+#include <boost/asio/strand.hpp>
+#include <boost/asio/write.hpp>
+#include <boost/beast/core.hpp>
+#include <boost/beast/http.hpp>
+#include <boost/beast/ssl.hpp>
+#include <chrono>
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "orvane/simulator/simulator.h"
+#include "server/certificate.h"
+#include "server/http_message.h"
+
+namespace Orvane::simulator {
+
+namespace {
+
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace http = boost::beast::http;
+using Tcp = asio::ip::tcp;
+using PlainStream = beast::tcp_stream;
+using TlsStream = beast::ssl_stream<beast::tcp_stream>;
+using ErrorCode = boost::system::error_code;
+
+constexpr std::uint32_t kHeaderLimit = 64 * 1024;
+constexpr std::uint64_t kBodyLimit = 8 * 1024 * 1024;
+constexpr auto kIdleLimit = std::chrono::seconds(120);
+constexpr std::size_t kThreads = 2;
+constexpr const char* kHostInPaths = "cmm";
+
+struct Service {
+  Authentication authentication;
+  Operations operations;
+};
+
+std::string_view View(beast::string_view text) { return {text.data(), text.size()}; }
+
+// One connection: requests are read and answered one after the other until either side ends it. It lives as long as an
+// operation on it is pending.
+template <typename Stream>
+class Session : public std::enable_shared_from_this<Session<Stream>> {
+ public:
+  Session(Stream stream, Service& service) : stream_(std::move(stream)), service_(service) {}
+
+  void Start() {
+    Limit();
+    if constexpr (std::is_same_v<Stream, TlsStream>) {
+      stream_.async_handshake(asio::ssl::stream_base::server,
+                              [self = this->shared_from_this()](const ErrorCode& error) {
+                                if (!error) self->ReadHeader();
+                              });
+    } else {
+      ReadHeader();
+    }
+  }
+
+ private:
+  void Limit() { beast::get_lowest_layer(stream_).expires_after(kIdleLimit); }
+
+  void ReadHeader() {
+    Limit();
+    parser_.emplace();
+    parser_->header_limit(kHeaderLimit);
+    parser_->body_limit(kBodyLimit);
+    http::async_read_header(
+        stream_, buffer_, *parser_,
+        [self = this->shared_from_this()](const ErrorCode& error, std::size_t) { self->OnHeader(error); });
+  }
+
+  void OnHeader(const ErrorCode& error) {
+    if (error) return RefuseOrEnd(error);
+    if (beast::iequals(parser_->get()[http::field::expect], "100-continue")) {
+      const auto text = std::make_shared<std::string>("HTTP/1.1 100 Continue\r\n\r\n");
+      asio::async_write(stream_, asio::buffer(*text),
+                        [self = this->shared_from_this(), text](const ErrorCode& failed, std::size_t) {
+                          if (!failed) self->ReadBody();
+                        });
+      return;
+    }
+    ReadBody();
+  }
+
+  void ReadBody() {
+    http::async_read(stream_, buffer_, *parser_,
+                     [self = this->shared_from_this()](const ErrorCode& error, std::size_t) {
+                       if (error) return self->RefuseOrEnd(error);
+                       self->Answer();
+                     });
+  }
+
+  // What is no HTTP, or too much of it, is told so and ends the connection; a connection that broke just ends.
+  void RefuseOrEnd(const ErrorCode& error) {
+    if (error == http::error::body_limit) return Refuse(http::status::payload_too_large);
+    if (error == http::error::header_limit) return Refuse(http::status::request_header_fields_too_large);
+    if (error == http::error::end_of_stream || error == http::error::partial_message) return End();
+    if (error.category() == make_error_code(http::error::end_of_stream).category()) {
+      return Refuse(http::status::bad_request);
+    }
+  }
+
+  void Refuse(http::status status) {
+    HttpReply reply;
+    reply.status = static_cast<int>(status);
+    keepAlive_ = false;
+    WriteHeaderOnly(reply);
+  }
+
+  void Answer() {
+    http::request<http::string_body> message = parser_->release();
+    keepAlive_ = message.keep_alive();
+    // Chunks only for clients that say they know trailers; others get the length in advance.
+    const bool chunked =
+        message.version() >= 11 && beast::http::token_list(message[http::field::te]).exists("trailers");
+    HttpRequest request;
+    request.method = View(message.method_string());
+    request.target = View(message.target());
+    request.contentType = View(message[http::field::content_type]);
+    request.cimOperation = View(message["CIMOperation"]);
+    request.cimMethod = View(message["CIMMethod"]);
+    request.cimObject = View(message["CIMObject"]);
+    request.authorization = View(message[http::field::authorization]);
+    request.body = std::move(message.body());
+    HttpReply reply = AnswerHttp(request, service_.authentication, service_.operations);
+    if (reply.status != static_cast<int>(http::status::ok)) return WriteHeaderOnly(reply);
+    WriteBody(std::move(reply.body), chunked);
+  }
+
+  void WriteHeaderOnly(const HttpReply& reply) {
+    response_ = {};
+    response_.result(static_cast<unsigned>(reply.status));
+    if (reply.challenge) response_.set(http::field::www_authenticate, "Basic realm=\"cmm\"");
+    if (!reply.cimError.empty()) response_.set("CIMError", reply.cimError);
+    if (reply.status == static_cast<int>(http::status::method_not_allowed)) response_.set(http::field::allow, "POST");
+    Write();
+  }
+
+  void WriteBody(std::string body, bool chunked) {
+    response_ = {};
+    response_.result(http::status::ok);
+    response_.set(http::field::content_type, "application/xml; charset=utf-8");
+    response_.set("CIMOperation", "MethodResponse");
+    if (chunked) response_.set(http::field::trailer, "CIMStatusCode, CIMStatusCodeDescription, Content-Language");
+    response_.body() = std::move(body);
+    response_.chunked(chunked);
+    Write();
+  }
+
+  void Write() {
+    Limit();
+    response_.keep_alive(keepAlive_);
+    if (!response_.chunked()) response_.prepare_payload();
+    // prepare_payload leaves out the length of an empty body for some statuses; clients of 4xx would wait for more.
+    if (!response_.chunked()) response_.content_length(response_.body().size());
+    http::async_write(stream_, response_, [self = this->shared_from_this()](const ErrorCode& error, std::size_t) {
+      if (error) return;
+      if (self->keepAlive_) return self->ReadHeader();
+      self->End();
+    });
+  }
+
+  void End() {
+    if constexpr (std::is_same_v<Stream, TlsStream>) {
+      Limit();
+      stream_.async_shutdown([self = this->shared_from_this()](const ErrorCode&) {});
+    } else {
+      ErrorCode ignored;
+      stream_.socket().shutdown(Tcp::socket::shutdown_send, ignored);
+    }
+  }
+
+  Stream stream_;
+  Service& service_;
+  beast::flat_buffer buffer_;
+  std::optional<http::request_parser<http::string_body>> parser_;
+  http::response<http::string_body> response_;
+  bool keepAlive_ = true;
+};
+
+[[noreturn]] void FailToListen(const ErrorCode& error, const std::string& address, int port) {
+  throw std::system_error(error.value(), std::system_category(),
+                          "cannot listen on " + address + " port " + std::to_string(port));
+}
+
+Tcp::acceptor Listen(asio::io_context& context, const std::string& address, int port) {
+  ErrorCode error;
+  const asio::ip::address parsed = asio::ip::make_address(address, error);
+  if (error) throw std::invalid_argument("'" + address + "' is not an address to listen on");
+  const Tcp::endpoint endpoint(parsed, static_cast<std::uint16_t>(port));
+  Tcp::acceptor acceptor(context);
+  acceptor.open(endpoint.protocol(), error);
+  if (!error) acceptor.set_option(asio::socket_base::reuse_address(true), error);
+  if (!error) acceptor.bind(endpoint, error);
+  if (!error) acceptor.listen(asio::socket_base::max_listen_connections, error);
+  if (error) FailToListen(error, address, port);
+  return acceptor;
+}
+
+void CheckPort(int port) {
+  if (port < -1 || port > std::numeric_limits<std::uint16_t>::max()) {
+    throw std::invalid_argument("the port " + std::to_string(port) + " is out of range");
+  }
+}
+
+}  // namespace
+
+class Simulator::Impl {
+ public:
+  Impl(const Model& model, const Options& options)
+      : service_{Authentication(options.authentication, options.user, options.password),
+                 Operations(*model.Contents(), kHostInPaths)} {
+    CheckPort(options.httpPort);
+    CheckPort(options.httpsPort);
+    if (options.httpPort < 0 && options.httpsPort < 0) {
+      throw std::invalid_argument("neither HTTP nor HTTPS is to be served");
+    }
+    if (options.httpPort >= 0) httpAcceptor_ = Listen(context_, options.address, options.httpPort);
+    if (options.httpsPort >= 0) {
+      httpsAcceptor_ = Listen(context_, options.address, options.httpsPort);
+      PrepareTls(options.address);
+    }
+    if (httpAcceptor_) AcceptPlain();
+    if (httpsAcceptor_) AcceptTls();
+    for (std::size_t i = 0; i < kThreads; ++i) {
+      threads_.emplace_back([this] { context_.run(); });
+    }
+  }
+
+  ~Impl() {
+    context_.stop();
+    for (std::thread& thread : threads_) thread.join();
+  }
+
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+
+  std::uint16_t HttpPort() const { return httpAcceptor_ ? httpAcceptor_->local_endpoint().port() : 0; }
+  std::uint16_t HttpsPort() const { return httpsAcceptor_ ? httpsAcceptor_->local_endpoint().port() : 0; }
+  const Operations& CimOperations() const { return service_.operations; }
+
+ private:
+  void PrepareTls(const std::string& address) {
+    const ServerCertificate certificate = MakeServerCertificate(address);
+    tls_.set_options(asio::ssl::context::default_workarounds | asio::ssl::context::no_sslv2 |
+                     asio::ssl::context::no_sslv3 | asio::ssl::context::no_tlsv1 | asio::ssl::context::no_tlsv1_1);
+    tls_.use_certificate(asio::buffer(certificate.certificatePem), asio::ssl::context::pem);
+    tls_.use_private_key(asio::buffer(certificate.privateKeyPem), asio::ssl::context::pem);
+  }
+
+  // A failed accept (too many open files, a client gone again) must not end the listening.
+  void AcceptPlain() {
+    httpAcceptor_->async_accept(asio::make_strand(context_), [this](const ErrorCode& error, Tcp::socket socket) {
+      if (!error) std::make_shared<Session<PlainStream>>(PlainStream(std::move(socket)), service_)->Start();
+      AcceptPlain();
+    });
+  }
+
+  void AcceptTls() {
+    httpsAcceptor_->async_accept(asio::make_strand(context_), [this](const ErrorCode& error, Tcp::socket socket) {
+      if (!error) std::make_shared<Session<TlsStream>>(TlsStream(std::move(socket), tls_), service_)->Start();
+      AcceptTls();
+    });
+  }
+
+  // Declared in this order: connections, held by the context, end before what they use.
+  Service service_;
+  asio::ssl::context tls_{asio::ssl::context::tls_server};
+  asio::io_context context_;
+  std::optional<Tcp::acceptor> httpAcceptor_;
+  std::optional<Tcp::acceptor> httpsAcceptor_;
+  std::vector<std::thread> threads_;
+};
+
+Simulator::Simulator(Model model, Options options) : impl_(std::make_unique<Impl>(model, options)) {}
+Simulator::~Simulator() = default;
+
+std::uint16_t Simulator::HttpPort() const { return impl_->HttpPort(); }
+std::uint16_t Simulator::HttpsPort() const { return impl_->HttpsPort(); }
+std::uint64_t Simulator::RequestCount(const std::string& operation) const {
+  return impl_->CimOperations().Count(operation);
+}
+
+}  // namespace Orvane::simulator
