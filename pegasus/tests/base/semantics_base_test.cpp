@@ -3,6 +3,7 @@
 #include <Pegasus/Common/Array.h>
 #include <Pegasus/Common/CIMDateTime.h>
 #include <Pegasus/Common/CIMName.h>
+#include <Pegasus/Common/CIMType.h>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -227,6 +228,11 @@ const std::map<std::string, Case>& Cases() {
        [](Out& out) {
          const Char16 units[] = {Char16('h'), Char16('i'), Char16()};
          out << String(units) << String(units, 1);
+       }},
+      {"enum CIMType first/last",
+       [](Out& out) {
+         out << CIMTYPE_BOOLEAN << ' ' << CIMTYPE_STRING << ' ' << CIMTYPE_DATETIME << ' ' << CIMTYPE_REFERENCE << ' '
+             << CIMTYPE_OBJECT << ' ' << CIMTYPE_INSTANCE;
        }},
       {"catch as std::exception?", RunCatchAsStandard},
       {"Exception copy", RunExceptionCopy},
