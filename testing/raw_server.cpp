@@ -262,9 +262,9 @@ std::vector<RawRequest> RawServer::Requests() const {
   return requests_;
 }
 
-bool RawServer::WaitForEnd(std::chrono::milliseconds wait) const {
+bool RawServer::WaitForConnections(unsigned count, std::chrono::milliseconds wait) const {
   std::unique_lock<std::mutex> lock(mutex_);
-  return changed_.wait_for(lock, wait, [this] { return ended_ > 0; });
+  return changed_.wait_for(lock, wait, [this, count] { return peers_.size() >= count; });
 }
 
 void RawServer::Accept() {
@@ -279,6 +279,7 @@ void RawServer::Accept() {
     Peer& peer = *peers_.back();
     if (stopping_) peer.Stop();
     servers_.emplace_back([this, &peer] { Serve(peer); });
+    changed_.notify_all();
   }
   ::close(listener_);
   {
@@ -316,11 +317,6 @@ void RawServer::Serve(Peer& peer) {
     open = Play(peer, actions, request.MessageId());
   }
   peer.Close();
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    ++ended_;
-  }
-  changed_.notify_all();
 }
 
 bool RawServer::Play(Peer& peer, const RawActions& actions, const std::string& messageId) {

@@ -83,8 +83,9 @@ class RawServer {
   /// Connections accepted so far.
   unsigned Connections() const;
   std::vector<RawRequest> Requests() const;
-  /// Waits until one connection has ended, from whichever side; false when that takes longer than `wait`.
-  bool WaitForEnd(std::chrono::milliseconds wait) const;
+  /// Waits until that many connections have been accepted: a client may have connected before the server has noticed.
+  /// False when that takes longer than `wait`.
+  bool WaitForConnections(unsigned count, std::chrono::milliseconds wait) const;
 
  private:
   struct Tls;
@@ -105,7 +106,6 @@ class RawServer {
   mutable std::mutex mutex_;
   mutable std::condition_variable changed_;
   bool stopping_ = false;
-  unsigned ended_ = 0;
   std::vector<RawRequest> requests_;
   std::vector<std::unique_ptr<Peer>> peers_;
 
