@@ -1,0 +1,120 @@
+// The texts looked for are those that the CIM client's exceptions and the library's log lines are fixed to have. They
+// are matched at the place where they stand in a line, so that a server's own words can hardly pass for them.
+#include "cli/cause.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <iterator>
+#include <optional>
+#include <string_view>
+
+#include "cli/text.h"
+
+namespace Orvane::cli {
+namespace {
+
+constexpr std::string_view kSessionSource = "cmm/inventory_update/cmm_peg_client";
+constexpr std::string_view kConnectLine = "Connect CIMOM . H:";
+constexpr std::string_view kResultOfConnect = " RC: ";
+
+// Prefixes that the session puts before an exception's message; other sources log the message bare or after " Error:".
+constexpr std::string_view kPrefixes[] = {"Client HTTP Exception: ", "EnumerateInstances Exception: ",
+                                          "Pegasus Exception: ", "Pegasus CIMException: ", " Error:"};
+
+constexpr std::string_view kUnknownHostPrefix = "Pegasus InvalidLocatorException: ";
+
+// Every failed attempt to connect logs one of these. They count only when the connect as a whole failed.
+constexpr std::string_view kConnectPrefixes[] = {
+    "Pegasus AlreadyConnectedException: ",  kUnknownHostPrefix,
+    "Pegasus CannotCreateSocketException:", "Pegasus CannotConnectException:",
+    "Pegasus InvalidNameException: ",       "Unknown Exception: "};
+
+struct MessageCause {
+  std::string_view start;
+  CauseKind kind;
+};
+
+// How the CIM client's messages begin.
+constexpr MessageCause kMessages[] = {
+    {"HTTP Error (401", CauseKind::kRefused},
+    {"HTTP Error (403", CauseKind::kRefused},
+    {"HTTP Error (503", CauseKind::kNotReady},
+    {"HTTP Error (", CauseKind::kNotCim},
+    {"CIM_ERR_ACCESS_DENIED", CauseKind::kRefused},
+    {"connection timed out", CauseKind::kTimeout},
+    {"Connection closed by CIM Server.", CauseKind::kClosed},
+    {"Malformed HTTP response message.", CauseKind::kNotCim},
+    {"Missing CIMOperation HTTP header", CauseKind::kNotCim},
+    {"Received CIMOperation HTTP header value", CauseKind::kNotCim},
+    {"Bad Content-Type HTTP header", CauseKind::kNotCim},
+    {"Validation error: on line 1: Expected <?xml", CauseKind::kNotCim},
+    {"Cannot connect to ", CauseKind::kNoConnection},
+    {"Invalid locator: ", CauseKind::kUnknownHost},
+};
+
+bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
+
+std::string_view WithoutPrefix(std::string_view text) {
+  for (const std::string_view prefix : kPrefixes) {
+    if (StartsWith(text, prefix)) return text.substr(prefix.size());
+  }
+  return text;
+}
+
+std::optional<std::string_view> ConnectFailure(std::string_view text) {
+  for (const std::string_view prefix : kConnectPrefixes) {
+    if (StartsWith(text, prefix)) return text.substr(prefix.size());
+  }
+  return std::nullopt;
+}
+
+// The result code of the connect that this record tells about; nothing for any other record.
+std::optional<int> ConnectResult(const Log::Record& record) {
+  if (record.file != kSessionSource || !StartsWith(record.text, kConnectLine)) return std::nullopt;
+  const std::size_t at = record.text.rfind(kResultOfConnect);
+  if (at == std::string::npos) return std::nullopt;
+  return std::atoi(record.text.c_str() + at + kResultOfConnect.size());
+}
+
+Cause ClassifyMessage(std::string_view text) {
+  const std::string_view message = WithoutPrefix(text);
+  for (const MessageCause& known : kMessages) {
+    if (StartsWith(message, known.start)) return {known.kind, Neutralise(message)};
+  }
+  return {CauseKind::kOther, Neutralise(text)};
+}
+
+// Why connecting failed, when it did: the attempts' lines stand before the line with the result.
+Cause FindConnectCause(const std::vector<Log::Record>& records) {
+  Cause attempt;
+  for (const Log::Record& record : records) {
+    if (const auto message = ConnectFailure(record.text)) {
+      const bool unknown = StartsWith(record.text, kUnknownHostPrefix);
+      attempt = {unknown ? CauseKind::kUnknownHost : CauseKind::kNoConnection, Neutralise(*message)};
+    } else if (const auto result = ConnectResult(record)) {
+      if (*result != 0) return attempt.kind == CauseKind::kNone ? Cause{CauseKind::kNoConnection, {}} : attempt;
+      attempt = {};
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+Cause FindCause(const std::vector<Log::Record>& records) {
+  Cause soft;
+  for (const Log::Record& record : records) {
+    if (record.level != 1 || ConnectFailure(record.text)) continue;
+    Cause cause = ClassifyMessage(record.text);
+    if (IsHard(cause.kind)) return cause;
+    if (soft.kind == CauseKind::kNone) soft = std::move(cause);
+  }
+  // A connection refused on the way, after answers came, is looked for last: the error before it is the reason.
+  if (Cause connect = FindConnectCause(records); connect.kind != CauseKind::kNone) return connect;
+  return soft;
+}
+
+bool IsHard(CauseKind kind) { return kind != CauseKind::kNone && kind != CauseKind::kOther; }
+
+}  // namespace Orvane::cli

@@ -1,0 +1,147 @@
+// CLI11 knows the options of the connection at the top only; "fallthrough" lets them stand behind the command as well.
+#include "cli/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <map>
+#include <utility>
+
+#include "cli/commands/commands.h"
+
+namespace Orvane::cli {
+namespace {
+
+constexpr int kFirstBay = 1;
+constexpr int kLastBay = 999;
+constexpr const char* kBuiltInModel = "built-in";
+
+const char* const kFooter =
+    "Environment: ORVANE_HOST, ORVANE_PORT, ORVANE_USER, ORVANE_PASSWORD; ORVANE_LOG_LEVEL, ORVANE_LOG_FILE.\n"
+    "Exit status: 0 done, 1 operation failed, 2 wrong usage, 3 no connection, 4 not found or not ready,\n"
+    "             5 user or password refused, 130 interrupted.\n"
+    "Without hardware: orvane --simulate inventory";
+
+// The values CLI11 writes to while it parses; they live as long as the application object does.
+struct Values {
+  std::string model;
+  std::string output = "table";
+  int bay = 0;  // 0: not given
+  std::string kind;
+
+  std::optional<int> Bay() const { return bay == 0 ? std::nullopt : std::optional(bay); }
+};
+
+using Command = std::function<Outcome(Target&, const Values&)>;
+
+const std::map<std::string, EquipmentKind> kKinds = {
+    {"cmm", EquipmentKind::kCmm}, {"switch", EquipmentKind::kSwitch}, {"node", EquipmentKind::kNode}};
+
+void AddOptions(CLI::App& app, Request& request, Values& values) {
+  auto* simulate = app.add_flag("--simulate{" + std::string(kBuiltInModel) + "}", values.model,
+                                "Start the chassis simulator and use it; --simulate=MODEL.json names its model");
+  simulate->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  const std::string group = "Connection";
+  app.add_option("--host", request.connection.host, "Name or address of the management module")
+      ->group(group)
+      ->excludes(simulate);
+  app.add_option("--port", request.connection.port, "CIM port; 0: HTTPS on 5989, then HTTP on 5988")
+      ->group(group)
+      ->excludes(simulate);
+  app.add_option("--user", request.connection.user, "User name")->group(group)->excludes(simulate);
+  auto* file = app.add_option("--password-file", request.connection.passwordFile,
+                              "File whose first line is the password; only its owner may read it");
+  file->type_name("FILE")->group(group)->excludes(simulate);
+  app.add_flag("--password-stdin", request.connection.passwordFromStdin,
+               "The first line of standard input is the password")
+      ->group(group)
+      ->excludes(simulate)
+      ->excludes(file);
+  app.add_option("-o,--output", values.output, "Form of the result: table or json")
+      ->check(CLI::IsMember({"table", "json"}));
+  app.add_option("--log-level", request.log.level, "Show the library's log lines up to this level, 0 to 4")
+      ->check(CLI::Range(0U, 4U));
+  app.add_option("--log-file", request.log.file, "Append the log lines to FILE instead of standard error")
+      ->type_name("FILE");
+}
+
+class Grammar {
+ public:
+  Grammar(CLI::App& app, Request& request, Values& values) : app_(app), request_(request), values_(values) {}
+
+  void AddCommands() {
+    Leaf(app_, "inventory", "Everything: chassis, management modules, I/O modules, nodes",
+         [](Target& target, const Values&) { return RunInventory(target); });
+    Leaf(app_, "chassis", "The chassis", [](Target& target, const Values&) { return RunChassis(target); });
+    Leaf(Group("cmm", "Chassis management modules"), "list", "The management modules",
+         [](Target& target, const Values&) { return RunCmmList(target); });
+    AddBayOption(Leaf(Group("switch", "Switches (I/O modules)"), "list", "The switches",
+                      [](Target& target, const Values& values) { return RunSwitchList(target, values.Bay()); }));
+    AddBayOption(Leaf(Group("passthru", "Pass-through modules"), "list", "The pass-through modules",
+                      [](Target& target, const Values& values) { return RunPassThruList(target, values.Bay()); }));
+    CLI::App& bay = Group("bay", "I/O bays");
+    AddBayArgument(Leaf(bay, "type", "The kind of module in a bay: switch or pass-through",
+                        [](Target& target, const Values& values) { return RunBayType(target, values.bay); }));
+    AddBayArgument(Leaf(bay, "same", "The other bays with a switch of the same type, one per line",
+                        [](Target& target, const Values& values) { return RunBaySame(target, values.bay); }));
+    Leaf(app_, "equipment", "The bays that hold equipment",
+         [](Target& target, const Values& values) {
+           return RunEquipment(target, values.kind.empty() ? std::nullopt : std::optional(kKinds.at(values.kind)));
+         })
+        .add_option("--kind", values_.kind, "Only one kind: cmm, switch (all I/O modules) or node")
+        ->check(CLI::IsMember(kKinds));
+  }
+
+ private:
+  CLI::App& Group(const std::string& name, const std::string& description) {
+    CLI::App& group = *app_.add_subcommand(name, description);
+    group.require_subcommand(1)->fallthrough();
+    return group;
+  }
+
+  CLI::App& Leaf(CLI::App& parent, const std::string& name, const std::string& description, Command command) {
+    CLI::App& leaf = *parent.add_subcommand(name, description);
+    const std::string operation = &parent == &app_ ? name : parent.get_name() + " " + name;
+    // Called when the whole line has been read: what runs later keeps the values, not this object.
+    leaf.fallthrough()->callback([&request = request_, &values = values_, operation, command = std::move(command)] {
+      request.operation = operation;
+      request.run = [command, values](Target& target) { return command(target, values); };
+    });
+    return leaf;
+  }
+
+  void AddBayOption(CLI::App& leaf) {
+    leaf.add_option("--bay", values_.bay, "Only the module in this bay")->check(CLI::Range(kFirstBay, kLastBay));
+  }
+
+  void AddBayArgument(CLI::App& leaf) {
+    leaf.add_option("BAY", values_.bay, "Bay number, from 1")->required()->check(CLI::Range(kFirstBay, kLastBay));
+  }
+
+  CLI::App& app_;
+  Request& request_;
+  Values& values_;
+};
+
+}  // namespace
+
+std::variant<Request, Finished> ParseCommandLine(int argc, const char* const* argv) {
+  CLI::App app{"Reads a blade chassis through the CIM server of its management module.", "orvane"};
+  Request request;
+  Values values;
+  app.require_subcommand(1);
+  app.footer(kFooter);
+  AddOptions(app, request, values);
+  Grammar(app, request, values).AddCommands();
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    const bool help = app.exit(error) == static_cast<int>(CLI::ExitCodes::Success);
+    return Finished{help ? ExitStatus::kDone : ExitStatus::kUsage};
+  }
+  request.simulate = !values.model.empty();
+  if (values.model != kBuiltInModel) request.modelPath = values.model;
+  request.json = values.output == "json";
+  return request;
+}
+
+}  // namespace Orvane::cli
