@@ -1,0 +1,169 @@
+// The rules of CIM over HTTP and every CIM error, from the request as it comes to the reply as it goes, without a
+// socket.
+#include "server/http_message.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "orvane/simulator/simulator.h"
+
+namespace Orvane::simulator {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* kNameSpace =
+    "<LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/><NAMESPACE NAME=\"cimv2\"/></LOCALNAMESPACEPATH>";
+
+std::string Name(const std::string& className, const std::string& key, const std::string& value) {
+  return "<INSTANCENAME CLASSNAME=\"" + className + "\"><KEYBINDING NAME=\"CreationClassName\"><KEYVALUE>" + className +
+         "</KEYVALUE></KEYBINDING><KEYBINDING NAME=\"" + key + "\"><KEYVALUE>" + value +
+         "</KEYVALUE></KEYBINDING></INSTANCENAME>";
+}
+
+std::string Parameter(const std::string& name, const std::string& content) {
+  return "<IPARAMVALUE NAME=\"" + name + "\">" + content + "</IPARAMVALUE>";
+}
+
+std::string ClassName(const std::string& name) { return "<CLASSNAME NAME=\"" + name + "\"/>"; }
+
+std::string Frame(const std::string& call) {
+  return "<?xml version=\"1.0\"?><CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"7\" PROTOCOLVERSION=\"1.0\">"
+         "<SIMPLEREQ>" +
+         call + "</SIMPLEREQ></MESSAGE></CIM>";
+}
+
+class CimOverHttp : public testing::Test {
+ protected:
+  HttpReply Send(HttpRequest request) {
+    if (request.authorization.empty()) request.authorization = "Basic VTpw";  // U:p
+    return AnswerHttp(request, authentication_, operations_);
+  }
+
+  static HttpRequest Http(std::string_view method, std::string_view object, std::string body) {
+    return {"POST", "/cimom", "application/xml; charset=utf-8", "MethodCall", method, object, {}, std::move(body)};
+  }
+
+  std::string Call(const std::string& name, const std::string& parameters, const std::string& nameSpace = kNameSpace,
+                   std::string_view object = "root%2Fcimv2") {
+    return Send(Http(name, object,
+                     Frame("<IMETHODCALL NAME=\"" + name + "\">" + nameSpace + parameters + "</IMETHODCALL>")))
+        .body;
+  }
+
+  std::string Modify(const std::string& property, const std::string& cmm = "cmm01") {
+    return Call("ModifyInstance",
+                Parameter("ModifiedInstance", "<VALUE.NAMEDINSTANCE>" + Name("VORTA_CMMComputerSystem", "Name", cmm) +
+                                                  "<INSTANCE CLASSNAME=\"VORTA_CMMComputerSystem\">" + property +
+                                                  "</INSTANCE></VALUE.NAMEDINSTANCE>"));
+  }
+
+  std::string Invoke(const std::string& method) {
+    return Send(Http(method, "root/cimv2:VORTA_CMMComputerSystem",
+                     Frame("<METHODCALL NAME=\"" + method + "\"><LOCALINSTANCEPATH>" + kNameSpace +
+                           Name("VORTA_CMMComputerSystem", "Name", "cmm01") + "</LOCALINSTANCEPATH></METHODCALL>")))
+        .body;
+  }
+
+  Authentication authentication_{true, "U", "p"};
+  Operations operations_{*BuiltInModel().Contents(), "cmm"};
+};
+
+TEST_F(CimOverHttp, ChallengesWithoutAndWithWrongCredentials) {
+  for (const char* sent : {"Basic VTpx", "Basic !", "Digest x", "x"}) {
+    HttpRequest request = Http("GetClass", "root/cimv2", "");
+    request.authorization = sent;
+    const HttpReply reply = Send(request);
+    EXPECT_EQ(reply.status, 401) << sent;
+    EXPECT_TRUE(reply.challenge) << sent;
+  }
+}
+
+TEST_F(CimOverHttp, RefusesWhatIsNoCimRequest) {
+  EXPECT_EQ(Send(Http("X", "root/cimv2", "<CIM")).cimError, "request-not-well-formed");
+  EXPECT_EQ(Send(Http("X", "root/cimv2", "<X/>")).cimError, "request-not-valid");
+  EXPECT_EQ(Send(Http("X", "root/cimv2", "<CIM CIMVERSION=\"3.0\" DTDVERSION=\"2.0\"/>")).cimError,
+            "unsupported-cim-version");
+  HttpRequest noOperation = Http("X", "root/cimv2", "");
+  noOperation.cimOperation = "";
+  EXPECT_EQ(Send(noOperation).cimError, "unsupported-operation");
+  HttpRequest get = Http("X", "root/cimv2", "");
+  get.method = "GET";
+  EXPECT_EQ(Send(get).status, 405);
+}
+
+TEST_F(CimOverHttp, RefusesHeadersThatDisagreeWithTheBody) {
+  const std::string body = Frame(std::string("<IMETHODCALL NAME=\"GetClass\">") + kNameSpace + "</IMETHODCALL>");
+  EXPECT_EQ(Send(Http("GetInstance", "root/cimv2", body)).cimError, "header-mismatch");
+  EXPECT_EQ(Send(Http("GetClass", "root/other", body)).cimError, "header-mismatch");
+}
+
+TEST_F(CimOverHttp, UnknownNamespaceIs3) {
+  EXPECT_THAT(Call("EnumerateInstanceNames", Parameter("ClassName", ClassName("CIM_Chassis")),
+                   "<LOCALNAMESPACEPATH><NAMESPACE NAME=\"x\"/></LOCALNAMESPACEPATH>", "x"),
+              HasSubstr("<ERROR CODE=\"3\""));
+}
+
+TEST_F(CimOverHttp, MissingOrUnknownParameterIs4) {
+  EXPECT_THAT(Call("EnumerateInstances", ""), HasSubstr("<ERROR CODE=\"4\""));
+  EXPECT_THAT(Call("EnumerateInstanceNames", Parameter("Odd", "")), HasSubstr("<ERROR CODE=\"4\""));
+}
+
+TEST_F(CimOverHttp, UnknownClassIs5) {
+  EXPECT_THAT(Call("EnumerateInstances", Parameter("ClassName", ClassName("X"))), HasSubstr("<ERROR CODE=\"5\""));
+}
+
+TEST_F(CimOverHttp, AbsentInstanceIs6) {
+  EXPECT_THAT(Call("GetInstance", Parameter("InstanceName", Name("VORTA_CMMComputerSystem", "Name", "cmm09"))),
+              HasSubstr("<ERROR CODE=\"6\""));
+  EXPECT_THAT(Modify("", "cmm09"), HasSubstr("<ERROR CODE=\"6\""));
+}
+
+TEST_F(CimOverHttp, UnknownOperationIs7) { EXPECT_THAT(Call("ExecQuery", ""), HasSubstr("<ERROR CODE=\"7\"")); }
+
+TEST_F(CimOverHttp, ModifiesAnInstance) {
+  EXPECT_THAT(Modify(R"(<PROPERTY NAME="EnabledState" TYPE="uint16"><VALUE>9</VALUE></PROPERTY>)"),
+              testing::Not(HasSubstr("ERROR")));
+  EXPECT_THAT(
+      Call("GetInstance", Parameter("InstanceName", Name("VORTA_CMMComputerSystem", "Name", "cmm01")) +
+                              Parameter("PropertyList", "<VALUE.ARRAY><VALUE>EnabledState</VALUE></VALUE.ARRAY>")),
+      HasSubstr("<VALUE>9</VALUE>"));
+}
+
+TEST_F(CimOverHttp, UnknownPropertyIs12AndWrongTypeIs13) {
+  EXPECT_THAT(Modify(R"(<PROPERTY NAME="Odd" TYPE="string"/>)"), HasSubstr("<ERROR CODE=\"12\""));
+  EXPECT_THAT(Modify(R"(<PROPERTY NAME="EnabledState" TYPE="string"><VALUE>2</VALUE></PROPERTY>)"),
+              HasSubstr("<ERROR CODE=\"13\""));
+  EXPECT_THAT(Modify(R"(<PROPERTY NAME="EnabledState" TYPE="uint16"><VALUE>65536</VALUE></PROPERTY>)"),
+              HasSubstr("<ERROR CODE=\"13\""));
+}
+
+TEST_F(CimOverHttp, UndeclaredMethodIs17AndUnavailableMethodIs16) {
+  EXPECT_THAT(Invoke("Odd"), HasSubstr("<ERROR CODE=\"17\""));
+  EXPECT_THAT(Invoke("RequestStateChange"), HasSubstr("<ERROR CODE=\"16\""));
+}
+
+TEST_F(CimOverHttp, InvokesAMethodOfASuperclass) {
+  operations_.AddMethod("CIM_EnabledLogicalElement", "RequestStateChange",
+                        [](ObjectStore&, const ObjectPath&, const std::vector<MethodParameter>&) {
+                          return MethodResult{4096, {}};
+                        });
+  EXPECT_THAT(Invoke("RequestStateChange"), HasSubstr("<VALUE>4096</VALUE>"));
+  EXPECT_EQ(operations_.Count("InvokeMethod"), 1U);
+}
+
+TEST_F(CimOverHttp, FiltersAssociatorsByRole) {
+  const std::string source = Parameter("ObjectName", Name("VORTA_CMMComputerSystem", "Name", "cmm02")) +
+                             Parameter("AssocClass", ClassName("CIM_IsSpare"));
+  EXPECT_THAT(Call("AssociatorNames", source + Parameter("Role", "<VALUE>antecedent</VALUE>")),
+              HasSubstr("CIM_RedundancySet"));
+  EXPECT_THAT(Call("AssociatorNames", source + Parameter("Role", "<VALUE>Dependent</VALUE>")),
+              testing::Not(HasSubstr("CIM_RedundancySet")));
+  EXPECT_THAT(Call("AssociatorNames", source + Parameter("ResultClass", ClassName("X"))),
+              HasSubstr("<ERROR CODE=\"4\""));
+}
+
+}  // namespace
+}  // namespace Orvane::simulator
