@@ -146,16 +146,20 @@ void XmlScanner::ScanMarkup() {
 }
 
 void XmlScanner::SkipWhiteSpace() {
-  while (Is(*cursor_, kSpace)) ++cursor_;
+  char* at = cursor_;
+  while (Is(*at, kSpace)) ++at;
+  cursor_ = at;
 }
 
 std::string_view XmlScanner::ScanName(XmlError error) {
-  const char* const begin = cursor_;
-  if (!Is(*cursor_, kNameStart)) Fail(error, cursor_);
+  char* at = cursor_;
+  if (!Is(*at, kNameStart)) Fail(error, cursor_);
   do {
-    ++cursor_;
-  } while (Is(*cursor_, kNamePart));
-  return {begin, static_cast<std::size_t>(cursor_ - begin)};
+    ++at;
+  } while (Is(*at, kNamePart));
+  const std::string_view name(cursor_, static_cast<std::size_t>(at - cursor_));
+  cursor_ = at;
+  return name;
 }
 
 void XmlScanner::ScanStart() {
@@ -210,12 +214,10 @@ void XmlScanner::ScanAttribute() {
   if (quote != '"' && quote != '\'') Fail(XmlError::kBadAttributeValue, cursor_);
   char* const begin = ++cursor_;
   bool hasReference = false;
-  while (*cursor_ != quote) {
-    if (cursor_ == end_) Fail(XmlError::kBadAttributeValue, cursor_);
-    hasReference = hasReference || *cursor_ == '&';
-    ++cursor_;
-  }
-  char* const end = cursor_++;
+  char* end = begin;
+  for (; *end != quote && *end != '\0'; ++end) hasReference |= *end == '&';
+  if (*end == '\0') Fail(XmlError::kBadAttributeValue, end);
+  cursor_ = end + 1;
   if (hasReference) {
     attributes_.push_back({name, DecodeReferences(begin, end)});
   } else {
