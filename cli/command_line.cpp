@@ -5,8 +5,10 @@
 #include <iostream>
 #include <map>
 #include <utility>
+#include <vector>
 
 #include "cli/commands/commands.h"
+#include "cli/text.h"
 
 namespace Orvane::cli {
 namespace {
@@ -135,8 +137,17 @@ std::variant<Request, Finished> ParseCommandLine(int argc, const char* const* ar
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    const bool help = app.exit(error) == static_cast<int>(CLI::ExitCodes::Success);
-    return Finished{help ? ExitStatus::kDone : ExitStatus::kUsage};
+    // The words that fit nowhere, unless help was asked for. Only the first is shown, without a value: somebody who
+    // guesses an option for the password must not see it in the error text.
+    const std::vector<std::string> unknown = app.remaining(/*recurse=*/true);
+    const bool success = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
+    if (!success && !unknown.empty()) {
+      const std::string word = Neutralise(unknown.front().substr(0, unknown.front().find('=')));
+      std::cerr << "orvane: \"" << word << "\" is no command or option\nRun with --help for more information.\n";
+      return Finished{ExitStatus::kUsage};
+    }
+    app.exit(error);
+    return Finished{success ? ExitStatus::kDone : ExitStatus::kUsage};
   }
   request.simulate = !values.model.empty();
   if (values.model != kBuiltInModel) request.modelPath = values.model;

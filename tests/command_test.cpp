@@ -269,7 +269,7 @@ TEST(LogFile, ThatCannotBeOpenedIsReportedOnceAndTheCommandGoesOn) {
 
 class SimulatorOutside : public ::testing::Test {
  protected:
-  Run Access(Words command) const {
+  Invocation Access(Words command) const {
     command.insert(command.begin(),
                    {"--host", "127.0.0.1", "--port", simulator_.HttpsPort(), "--user", SimulatorProgram::kUser});
     return {command, {}, ""};
@@ -278,7 +278,7 @@ class SimulatorOutside : public ::testing::Test {
 };
 
 TEST_F(SimulatorOutside, IsReadWithAPasswordOfTheEnvironment) {
-  Run run = Access({"chassis"});
+  Invocation run = Access({"chassis"});
   run.environment["ORVANE_PASSWORD"] = SimulatorProgram::kPassword;
 
   EXPECT_EQ(RunOrvane(run).status, 0);
@@ -303,7 +303,7 @@ TEST_F(SimulatorOutside, IsReadWithAPasswordFile) {
 }
 
 TEST_F(SimulatorOutside, IsReadWithAPasswordFromStandardInput) {
-  Run run = Access({"--password-stdin", "chassis"});
+  Invocation run = Access({"--password-stdin", "chassis"});
   run.input = std::string(SimulatorProgram::kPassword) + "\n";
 
   EXPECT_EQ(RunOrvane(run).status, 0);
@@ -337,7 +337,7 @@ TEST_F(SimulatorOutside, RefusesAWrongPasswordWhichIsNeverAnEmptyChassis) {
        {Words{"inventory"}, Words{"chassis"}, Words{"cmm", "list"}, Words{"switch", "list"},
         Words{"switch", "list", "--bay", "1"}, Words{"passthru", "list"}, Words{"passthru", "list", "--bay", "1"},
         Words{"bay", "type", "1"}, Words{"bay", "same", "1"}, Words{"equipment"}}) {
-    Run run = Access(command);
+    Invocation run = Access(command);
     run.environment["ORVANE_PASSWORD"] = "wrong secret";
 
     const Result result = RunOrvane(run);

@@ -164,6 +164,8 @@ struct OddServer {
   const char* part;
 };
 
+void PrintTo(const OddServer& server, std::ostream* out) { *out << server.name; }
+
 class OddServers : public ::testing::TestWithParam<OddServer> {};
 
 TEST_P(OddServers, GetTheirSentence) {
@@ -184,7 +186,7 @@ INSTANTIATE_TEST_SUITE_P(
         OddServer{"EmptyBody", Orvane::testing::Body(""), 4, "not as a CIM server"},
         OddServer{"NoHttp", Orvane::testing::Raw("SSH-2.0-OpenSSH_9.2\r\n"), 4, "not as a CIM server"},
         OddServer{"AccessDenied", CimError(2, "CIM_ERR_ACCESS_DENIED: not for you"), 5, "refused the user"}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& test) { return std::string(test.param.name); });
 
 TEST(Failures, ACimErrorCannotForgeALineOnTheTerminal) {
   CimServer server;
@@ -199,9 +201,11 @@ TEST(Failures, ACimErrorCannotForgeALineOnTheTerminal) {
 
 struct WrongUsage {
   const char* name;
-  Run run;
+  Invocation run;
   const char* part;
 };
+
+void PrintTo(const WrongUsage& usage, std::ostream* out) { *out << usage.name; }
 
 class Usage : public ::testing::TestWithParam<WrongUsage> {};
 
@@ -247,7 +251,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUsage{"NoPasswordFile",
                    {With(kAccess, {"--password-file", "/nonexistent"}), {}, ""},
                    "/nonexistent cannot be read"}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& test) { return std::string(test.param.name); });
 
 TEST(PasswordFile, ReadableByOthersIsRefused) {
   const Folder folder;
@@ -259,6 +263,15 @@ TEST(PasswordFile, ReadableByOthersIsRefused) {
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.errors, AllOf(HasSubstr(file), HasSubstr("can be read by others"), HasSubstr("chmod 600")));
     EXPECT_THAT(result.errors, Not(HasSubstr("hidden")));
+  }
+}
+
+TEST(PasswordOption, IsRefusedWithoutShowingItsValue) {
+  for (const Words& option : {Words{"--password", "hidden"}, Words{"--password=hidden"}}) {
+    const Result result = RunOrvane({With(kAccess, option), {}, ""});
+
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, AllOf(HasSubstr("\"--password\""), Not(HasSubstr("hidden"))));
   }
 }
 

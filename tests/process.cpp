@@ -99,7 +99,7 @@ void Drain(pid_t child, std::array<std::pair<int, std::string*>, 2> streams) {
   }
 }
 
-pid_t Start(const std::string& program, const Run& run, Pipe& in, Pipe& out, Pipe& err) {
+pid_t Start(const std::string& program, const Invocation& run, Pipe& in, Pipe& out, Pipe& err) {
   std::vector<std::string> arguments = run.arguments;
   arguments.insert(arguments.begin(), program);
   std::vector<std::string> variables = ChildEnvironment(run.environment);
@@ -122,7 +122,7 @@ pid_t Start(const std::string& program, const Run& run, Pipe& in, Pipe& out, Pip
 
 }  // namespace
 
-Result RunProgram(const std::string& program, const Run& run) {
+Result RunProgram(const std::string& program, const Invocation& run) {
   Pipe in;
   Pipe out;
   Pipe err;
@@ -139,7 +139,7 @@ Result RunProgram(const std::string& program, const Run& run) {
   return result;
 }
 
-Result RunOrvane(const Run& run) { return RunProgram(ORVANE_COMMAND, run); }
+Result RunOrvane(const Invocation& run) { return RunProgram(ORVANE_COMMAND, run); }
 
 Result RunOrvaneOnTerminal(const std::vector<std::string>& arguments, const std::string& typed) {
   std::vector<std::string> texts = arguments;

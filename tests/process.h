@@ -10,7 +10,7 @@
 
 namespace Orvane::tests {
 
-struct Run {
+struct Invocation {
   std::vector<std::string> arguments;              ///< Without the program's own name.
   std::map<std::string, std::string> environment;  ///< On top of the test's, which has no ORVANE_ variable left.
   std::string input;
@@ -23,10 +23,10 @@ struct Result {
 };
 
 /// Runs @p program to its end. It is killed after 60 seconds, and the test fails then.
-Result RunProgram(const std::string& program, const Run& run);
+Result RunProgram(const std::string& program, const Invocation& run);
 
 /// Runs the command.
-Result RunOrvane(const Run& run);
+Result RunOrvane(const Invocation& run);
 
 /// Runs the command on a terminal of its own, types @p typed once "Password" was asked for, and returns all that the
 /// terminal showed as Result::output.
