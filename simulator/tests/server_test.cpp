@@ -1,0 +1,165 @@
+// The server on real sockets: answers as they stand on the wire, connections kept, two clients at once, refusals that
+// the HTTP side makes on its own.
+#include <arpa/inet.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <thread>
+
+#include "orvane/simulator/simulator.h"
+
+namespace Orvane::simulator {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr const char* kBody =
+    "<?xml version=\"1.0\"?><CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"7\" PROTOCOLVERSION=\"1.0\">"
+    "<SIMPLEREQ><IMETHODCALL NAME=\"EnumerateInstanceNames\"><LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/>"
+    "<NAMESPACE NAME=\"cimv2\"/></LOCALNAMESPACEPATH><IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"CIM_Chassis\"/>"
+    "</IPARAMVALUE></IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>";
+
+class Client {
+ public:
+  explicit Client(std::uint16_t port) : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
+    const timeval limit{10, 0};
+    ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (::connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+      throw std::runtime_error("cannot connect");
+    }
+  }
+  ~Client() { ::close(socket_); }
+  Client(const Client&) = delete;
+  Client& operator=(const Client&) = delete;
+
+  void Send(const std::string& text) { ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL); }
+
+  // Everything up to and including this text; less when the server ends the connection or stays silent.
+  std::string ReadUntil(const std::string& end) {
+    std::string text;
+    std::array<char, 4096> buffer{};
+    while (text.find(end) == std::string::npos) {
+      const ssize_t count = ::recv(socket_, buffer.data(), buffer.size(), 0);
+      if (count <= 0) break;
+      text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    return text;
+  }
+
+ private:
+  int socket_;
+};
+
+std::string Request(const std::string& extraHeaders) {
+  const std::string body = kBody;
+  return "POST /cimom HTTP/1.1\r\nHost: a\r\nContent-Type: application/xml\r\nCIMOperation: MethodCall\r\n"
+         "CIMMethod: EnumerateInstanceNames\r\nCIMObject: root%2Fcimv2\r\nContent-Length: " +
+         std::to_string(body.size()) + "\r\n" + extraHeaders + "\r\n" + body;
+}
+
+Options HttpOnly() {
+  Options options;
+  options.user = "U";
+  options.password = "p";
+  options.httpsPort = -1;
+  return options;
+}
+
+TEST(Server, ChallengesAndThenAnswersOnOneConnection) {
+  const Simulator simulator(BuiltInModel(), HttpOnly());
+  Client client(simulator.HttpPort());
+
+  client.Send(Request(""));
+  const std::string challenge = client.ReadUntil("\r\n\r\n");
+  client.Send(Request("Authorization: Basic VTpw\r\n"));
+  const std::string answer = client.ReadUntil("</CIM>");
+
+  EXPECT_THAT(challenge, StartsWith("HTTP/1.1 401 "));
+  EXPECT_THAT(challenge, HasSubstr("WWW-Authenticate: Basic realm=\"cmm\""));
+  EXPECT_THAT(challenge, HasSubstr("Content-Length: 0"));
+  EXPECT_THAT(answer, HasSubstr("CLASSNAME=\"VORTA_Chassis\""));
+  EXPECT_EQ(simulator.RequestCount("EnumerateInstanceNames"), 1U);
+}
+
+TEST(Server, AnswersInChunksToClientsThatTakeTrailers) {
+  const Simulator simulator(BuiltInModel(), HttpOnly());
+  Client client(simulator.HttpPort());
+
+  client.Send(Request("TE: chunked, trailers\r\nAuthorization: Basic VTpw\r\n"));
+
+  EXPECT_THAT(client.ReadUntil("\r\n0\r\n\r\n"), HasSubstr("Transfer-Encoding: chunked"));
+}
+
+TEST(Server, RefusesWhatIsNoHttp) {
+  const Simulator simulator(BuiltInModel(), HttpOnly());
+  Client client(simulator.HttpPort());
+
+  client.Send("\x16\x03\x01 no HTTP\r\n\r\n");
+
+  EXPECT_THAT(client.ReadUntil("\r\n\r\n"), StartsWith("HTTP/1.1 400 "));
+}
+
+TEST(Server, RefusesTooLargeABody) {
+  const Simulator simulator(BuiltInModel(), HttpOnly());
+  Client client(simulator.HttpPort());
+
+  client.Send("POST /cimom HTTP/1.1\r\nHost: a\r\nContent-Length: 99999999\r\n\r\n");
+
+  EXPECT_THAT(client.ReadUntil("\r\n\r\n"), StartsWith("HTTP/1.1 413 "));
+}
+
+TEST(Server, ServesSeveralClientsAtOnce) {
+  const Simulator simulator(BuiltInModel(), HttpOnly());
+  constexpr unsigned kClients = 4;
+  constexpr unsigned kRequests = 10;
+  std::array<std::thread, kClients> threads;
+  for (std::thread& thread : threads) {
+    thread = std::thread([&simulator] {
+      Client client(simulator.HttpPort());
+      for (unsigned i = 0; i < kRequests; ++i) {
+        client.Send(Request("Authorization: Basic VTpw\r\n"));
+        EXPECT_THAT(client.ReadUntil("</CIM>\n"), HasSubstr("VORTA_Chassis"));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+
+  EXPECT_EQ(simulator.RequestCount("EnumerateInstanceNames"), kClients * kRequests);
+}
+
+TEST(Server, SaysWhichPortIsTaken) {
+  const Simulator first(BuiltInModel(), HttpOnly());
+  Options options = HttpOnly();
+  options.httpPort = first.HttpPort();
+  try {
+    const Simulator second(BuiltInModel(), options);
+    FAIL() << "two servers on one port";
+  } catch (const std::system_error& error) {
+    EXPECT_THAT(error.what(), HasSubstr("cannot listen on 127.0.0.1 port " + std::to_string(first.HttpPort())));
+  }
+}
+
+TEST(Server, RefusesSenselessOptions) {
+  Options options = HttpOnly();
+  options.httpPort = -1;
+  EXPECT_THROW(Simulator(BuiltInModel(), options), std::invalid_argument);
+  options.httpPort = 65536;
+  EXPECT_THROW(Simulator(BuiltInModel(), options), std::invalid_argument);
+}
+
+}  // namespace
+}  // namespace Orvane::simulator
