@@ -25,7 +25,8 @@ std::string Quoted(std::string_view name) { return "'" + std::string(name) + "'"
 class Parameters {
  public:
   Parameters(const Request& request, std::initializer_list<std::string_view> known) : request_(request) {
-    for (const auto& [name, value] : request.parameters) {
+    for (const auto& parameter : request.parameters) {
+      const std::string& name = parameter.first;  // a structured binding could not be captured below
       if (std::none_of(known.begin(), known.end(), [&](std::string_view other) { return EqualNames(other, name); })) {
         InvalidParameter(request.name + " has no parameter " + Quoted(name));
       }
