@@ -156,6 +156,11 @@ CimAnswer Close() {
   return answer;
 }
 
+CimAnswer ThenRefuse(CimAnswer answer) {
+  answer.thenRefuse = true;
+  return answer;
+}
+
 CimAnswer Hang() {
   CimAnswer answer;
   answer.kind = CimAnswer::Kind::kHang;
@@ -234,6 +239,7 @@ HttpReply CimServer::Handle(const HttpExchange& exchange) {
   }
   if (!request.authorized)
     return {Http("401 Unauthorized", "WWW-Authenticate: Basic realm=\"cmm\"\r\n", ""), HttpReply::After::kKeep};
+  if (answer.thenRefuse) listener_->StopAccepting();
   switch (answer.kind) {
     case CimAnswer::Kind::kHttpStatus:
       return {Http(std::to_string(answer.code) + " " + answer.text, "Content-Type: text/html\r\n" + answer.headers,

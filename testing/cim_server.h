@@ -25,9 +25,10 @@ struct CimAnswer {
   std::optional<CimValue> returnValue;
   std::vector<std::pair<std::string, CimValue>> outParameters;
   unsigned code = 0;
-  std::string text;     ///< error description, HTTP reason
-  std::string body;     ///< HTTP body, or the raw bytes
-  std::string headers;  ///< further header lines, each ended by CR LF
+  std::string text;         ///< error description, HTTP reason
+  std::string body;         ///< HTTP body, or the raw bytes
+  std::string headers;      ///< further header lines, each ended by CR LF
+  bool thenRefuse = false;  ///< before it is sent, the server stops to accept connections
 };
 
 /// The objects (or their names, for the operations that return names). GetInstance takes the first.
@@ -47,6 +48,8 @@ CimAnswer Body(const std::string& body);
 CimAnswer Raw(const std::string& bytes);
 /// The connection is closed without an answer.
 CimAnswer Close();
+/// This answer is the last thing: further connections are refused.
+CimAnswer ThenRefuse(CimAnswer answer);
 /// No answer until the client closes or the server is destroyed.
 CimAnswer Hang();
 

@@ -189,7 +189,7 @@ HttpListener::HttpListener(Options options, Handler handler, Observer observer)
 
 HttpListener::~HttpListener() {
   stopping_ = true;
-  ::shutdown(listener_, SHUT_RDWR);
+  StopAccepting();
   acceptor_.join();
   ::close(listener_);
   {
@@ -198,6 +198,8 @@ HttpListener::~HttpListener() {
   }
   for (const auto& connection : connections_) connection->thread.join();
 }
+
+void HttpListener::StopAccepting() { ::shutdown(listener_, SHUT_RDWR); }
 
 void HttpListener::Accept() {
   BlockSigpipe();

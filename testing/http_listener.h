@@ -61,6 +61,8 @@ class HttpListener {
   HttpListener& operator=(const HttpListener&) = delete;
 
   std::uint16_t Port() const { return port_; }
+  /// From now on connections are refused; those that are open stay. May be called from the handler.
+  void StopAccepting();
 
  private:
   struct Tls;

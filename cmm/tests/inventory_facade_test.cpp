@@ -242,6 +242,14 @@ TEST_F(Facade, SwitchTypeFailures) {
   EXPECT_EQ(Conversation().back(), "disconnect");
 }
 
+TEST_F(Facade, SwitchTypeThatCannotConnectAgainWarns) {
+  server.OnEnumerate("CIM_Slot", ThenRefuse(Objects({Slot("iomodule02", "2")})));
+  EXPECT_EQ(inventory.GetSwitchType(2), 3);
+  EXPECT_THAT(log.Texts(2), ElementsAre("Connection is fail, please check your network"));
+  EXPECT_EQ(log.Texts(1).back(), " Error:not connected");
+  EXPECT_THAT(Conversation(), ElementsAre("connect", "EnumerateInstances CIM_Slot", "disconnect"));
+}
+
 class SameType : public Facade {
  protected:
   void Module(const std::string& name, const std::string& vpdId, const std::string& posId, const std::string& slot) {

@@ -85,6 +85,13 @@ TEST_F(TargetLookup, EmptyBayIsLoggedAndMissingSlotIsNot) {
   EXPECT_EQ(log.Texts(1).size(), 2U);
 }
 
+TEST_F(TargetLookup, ModuleThatCannotBeReachedAgainWarns) {
+  server.OnEnumerate("CIM_Slot", ThenRefuse(Objects({Slot("iomodule02", "2")})));
+  EXPECT_EQ(Find(2, 1), "");
+  EXPECT_THAT(log.Texts(2), ElementsAre("Connection is fail, please check your network"));
+  EXPECT_THAT(Conversation(), ElementsAre("connect", "EnumerateInstances CIM_Slot", "disconnect"));
+}
+
 CimObjectSpec PowerService(const std::string& system) {
   return CimObjectSpec("CIM_PowerManagementService").Key("Name", "power").Key("SystemName", system);
 }
