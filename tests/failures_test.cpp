@@ -255,7 +255,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(PasswordFile, ReadableByOthersIsRefused) {
   const Folder folder;
-  for (const mode_t mode : {0640, 0604, 0644}) {
+  for (const mode_t mode : {0640U, 0604U, 0644U}) {
     const std::string file = folder.Write("password", "hidden\n", mode);
 
     const Result result = RunOrvane({With(kAccess, {"--password-file", file}), {}, ""});

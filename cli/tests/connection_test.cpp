@@ -144,7 +144,7 @@ TEST_F(PasswordFileTest, HoldsThePasswordInItsFirstLine) {
 }
 
 TEST_F(PasswordFileTest, ReadableByGroupOrOthersIsRefusedWithoutItsContents) {
-  for (const mode_t mode : {0640, 0604}) {
+  for (const mode_t mode : {0640U, 0604U}) {
     const std::string refusal = RefusalOf(Write("secret", mode));
     EXPECT_THAT(refusal, HasSubstr("can be read by others"));
     EXPECT_THAT(refusal, Not(HasSubstr("secret")));
