@@ -37,7 +37,7 @@ CIMDateTime SSLCertificateInfo::getNotBefore() const { return rep_->notBefore; }
 CIMDateTime SSLCertificateInfo::getNotAfter() const { return rep_->notAfter; }
 Uint32 SSLCertificateInfo::getErrorDepth() const { return static_cast<Uint32>(rep_->errorDepth); }
 Uint32 SSLCertificateInfo::getErrorCode() const { return static_cast<Uint32>(rep_->errorCode); }
-String SSLCertificateInfo::getErrorString() const { return String(X509_verify_cert_error_string(rep_->errorCode)); }
+String SSLCertificateInfo::getErrorString() const { return rep_->errorString; }
 Uint32 SSLCertificateInfo::getResponseCode() const { return static_cast<Uint32>(rep_->responseCode); }
 void SSLCertificateInfo::setErrorCode(const int errorCode) { rep_->errorCode = errorCode; }
 void SSLCertificateInfo::setResponseCode(const int respCode) { rep_->responseCode = respCode; }
@@ -47,7 +47,7 @@ String SSLCertificateInfo::toString() const {
   std::ostringstream text;
   text << "Subject Name:\n\t" << Utf8(rep_->subjectName) << "\nIssuer Name:\n\t" << Utf8(rep_->issuerName)
        << "\nDepth: " << rep_->errorDepth << "\nError code: " << rep_->errorCode
-       << "\nResponse (preverify) code: " << rep_->responseCode << "\nError string: " << Utf8(getErrorString())
+       << "\nResponse (preverify) code: " << rep_->responseCode << "\nError string: " << Utf8(rep_->errorString)
        << "\nVersion number: " << rep_->versionNumber << "\nSerial number: " << rep_->serialNumber
        << "\nNot before date: " << Utf8(rep_->notBefore.toString())
        << "\nNot after date: " << Utf8(rep_->notAfter.toString()) << "\n";
@@ -79,6 +79,7 @@ SSLCertificateInfo CertificateInfoFactory::Make(X509_STORE_CTX* context, int pas
   rep->errorDepth = X509_STORE_CTX_get_error_depth(context);
   rep->errorCode = X509_STORE_CTX_get_error(context);
   rep->responseCode = passed;
+  rep->errorString = X509_verify_cert_error_string(rep->errorCode);
   if (X509* certificate = X509_STORE_CTX_get_current_cert(context)) {
     rep->subjectName = NameText(X509_get_subject_name(certificate));
     rep->issuerName = NameText(X509_get_issuer_name(certificate));

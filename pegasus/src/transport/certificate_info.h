@@ -12,6 +12,7 @@ struct SSLCertificateInfo::Rep {
   int errorDepth = 0;
   int errorCode = 0;
   int responseCode = 0;
+  String errorString;  // of the verification that runs; empty when a caller describes a certificate itself
   Uint32 versionNumber = 0;
   long serialNumber = 0;
   CIMDateTime notBefore;
