@@ -13,8 +13,9 @@
 #include <unistd.h>
 
 #include <array>
+#include <boost/algorithm/string/find.hpp>
+#include <cstdlib>
 #include <cstring>
-#include <regex>
 #include <stdexcept>
 
 namespace Orvane::testing {
@@ -289,10 +290,19 @@ void RawServer::Accept() {
   changed_.notify_all();
 }
 
+namespace {
+
+// The length that the request head promises; 0 without one.
+std::size_t ContentLength(const std::string& head) {
+  const auto field = boost::ifind_first(head, "\r\ncontent-length:");
+  return field.empty() ? 0 : std::strtoul(std::string(field.end(), head.end()).c_str(), nullptr, 10);
+}
+
+}  // namespace
+
 void RawServer::Serve(Peer& peer) {
   std::string received;
   bool open = (!tls_ || peer.AcceptTls(tls_->context.get())) && Play(peer, options_.onConnect, {});
-  static const std::regex lengthLine("\r\ncontent-length: *([0-9]+)\r\n", std::regex::icase);
   while (open) {
     std::size_t headEnd = received.find("\r\n\r\n");
     while (headEnd == std::string::npos && (open = peer.Read(received))) headEnd = received.find("\r\n\r\n");
@@ -300,8 +310,7 @@ void RawServer::Serve(Peer& peer) {
     constexpr std::size_t kBlankLine = 4;
     RawRequest request{peer.number, received.substr(0, headEnd + kBlankLine), {}};
     received.erase(0, headEnd + kBlankLine);
-    std::smatch match;
-    const std::size_t length = std::regex_search(request.head, match, lengthLine) ? std::stoul(match[1].str()) : 0;
+    const std::size_t length = ContentLength(request.head);
     while (received.size() < length && (open = peer.Read(received))) {
     }
     if (!open) break;
