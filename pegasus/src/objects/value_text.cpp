@@ -32,7 +32,7 @@ String TextOf(Real64 x) {
 
 String TextOf(Real32 x) { return TextOf(static_cast<Real64>(x)); }
 
-/// The first half of a surrogate pair has no text of its own.
+/// The first half of a surrogate pair has no text of its own; a second half is kept, as strings keep it.
 String TextOf(const Char16& x) {
   constexpr Uint16 kPairMask = 0xFC00;
   constexpr Uint16 kFirstHalf = 0xD800;

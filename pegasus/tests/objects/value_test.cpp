@@ -159,6 +159,19 @@ TEST(Value, ComparingAnIntervalWithATimestampThrows) {
   EXPECT_EQ(Catch([&] { (void)(interval == timestamp); }).name, "TypeMismatchException");
 }
 
+TEST(Value, OfTheFirstHalfOfASurrogatePairHasNoText) {
+  const auto text = [](Uint16 unit) { return Utf8(CIMValue(Char16(unit)).toString()); };
+  EXPECT_EQ(text(0xD7FF), "\xED\x9F\xBF");
+  EXPECT_EQ(text(0xD800), "");
+  EXPECT_EQ(text(0xDBFF), "");
+  EXPECT_EQ(text(0xDC00), "\xEF\xBF\xBD");
+  EXPECT_EQ(text(0xDFFF), "\xEF\xBF\xBD");
+  EXPECT_EQ(text(0xE000), "\xEE\x80\x80");
+  Char16 read;
+  CIMValue(Char16(0xD800)).get(read);
+  EXPECT_EQ(Uint16(read), 0xD800);
+}
+
 TEST(Value, DoesNotWiden) {
   Uint32 wide = 3;
   EXPECT_EQ(Catch([&] { CIMValue(Uint16{1}).get(wide); }), kMismatch);
