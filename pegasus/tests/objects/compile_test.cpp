@@ -53,10 +53,11 @@ static_assert(CIMKeyBinding::BOOLEAN == 0 && CIMKeyBinding::STRING == 1 && CIMKe
 static_assert(CIMTYPE_BOOLEAN == 0 && CIMTYPE_STRING == 12 && CIMTYPE_INSTANCE == 16);
 
 TEST(Overloads, ALiteralIsABoolean) {
-  const CIMValue value("text");
+  const char* const literal = "text";
+  const CIMValue value(literal);
   EXPECT_EQ(value.getType(), CIMTYPE_BOOLEAN);
   EXPECT_TRUE(value.toString() == "TRUE");
-  const CIMProperty property(CIMName("a"), CIMValue("x"));
+  const CIMProperty property(CIMName("a"), CIMValue(literal));
   EXPECT_EQ(property.getType(), CIMTYPE_BOOLEAN);
 }
 

@@ -56,7 +56,7 @@ CIMProperty KeyProperty(const char* name, Uint32 number) {
 template <typename Object>
 class EmptyObject : public testing::Test {};
 using ObjectTypes = testing::Types<CIMInstance, CIMObject, CIMClass>;
-TYPED_TEST_SUITE(EmptyObject, ObjectTypes);
+TYPED_TEST_SUITE(EmptyObject, ObjectTypes, );
 
 TYPED_TEST(EmptyObject, RefusesEveryCall) {
   TypeParam empty;

@@ -124,7 +124,8 @@ const std::map<std::string, Case>& ValueCases() {
       {"CIMValue(\"literal\") overload taken", [](Out& out) { out << TypeOf(CIMValue(String("literal"))); }},
       {"CIMValue from const char* literal",
        [](Out& out) {
-         const CIMValue value("literal");
+         const char* const literal = "literal";
+         const CIMValue value(literal);
          out << TypeOf(value) << ' ' << Utf8(value.toString());
        }},
       {"CIMValue(5) int literal", [](Out& out) { out << TypeOf(CIMValue(5)); }},
