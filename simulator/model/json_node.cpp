@@ -27,22 +27,64 @@ std::string Escaped(const std::string& name) {
   return text;
 }
 
+// Where a running parser is in its document.
+class Place {
+ public:
+  /// False when a member name stands in its object for the second time.
+  bool Follow(Json::parse_event_t event, const Json& parsed) {
+    const bool ends = event == Json::parse_event_t::object_end || event == Json::parse_event_t::array_end;
+    if (event == Json::parse_event_t::key) {
+      open_.back().name = parsed.get<std::string>();
+      return open_.back().names.insert(open_.back().name).second;
+    }
+    if (ends) open_.pop_back();
+    if (event == Json::parse_event_t::object_start) open_.push_back({false, 0, {}, {}});
+    if (event == Json::parse_event_t::array_start) open_.push_back({true, 0, {}, {}});
+    const bool valueIsWhole = ends || event == Json::parse_event_t::value;
+    if (valueIsWhole && !open_.empty()) {
+      ++open_.back().index;
+      open_.back().name.clear();
+    }
+    return true;
+  }
+
+  std::string Pointer() const {
+    std::string pointer;
+    for (const Container& container : open_) {
+      if (container.isArray) {
+        pointer += "/" + std::to_string(container.index);
+      } else if (!container.name.empty()) {
+        pointer += "/" + Escaped(container.name);
+      }
+    }
+    return pointer.empty() ? "/" : pointer;
+  }
+
+ private:
+  struct Container {
+    bool isArray = false;
+    std::size_t index = 0;
+    std::string name;
+    std::set<std::string> names;
+  };
+  std::vector<Container> open_;
+};
+
 }  // namespace
 
 Json ParseDocument(const std::string& file, const std::string& text) {
-  std::vector<std::set<std::string>> namesOfOpenObjects;
-  const auto refuseTwins = [&](int, Json::parse_event_t event, Json& parsed) {
-    if (event == Json::parse_event_t::object_start) namesOfOpenObjects.emplace_back();
-    if (event == Json::parse_event_t::object_end) namesOfOpenObjects.pop_back();
-    if (event == Json::parse_event_t::key && !namesOfOpenObjects.back().insert(parsed.get<std::string>()).second) {
-      throw ModelError(file + ": the member \"" + parsed.get<std::string>() + "\" stands twice in one object");
-    }
+  Place place;
+  const auto watch = [&](int, Json::parse_event_t event, Json& parsed) {
+    if (!place.Follow(event, parsed)) throw ModelError(file + ": " + place.Pointer() + ": stands twice in one object");
     return true;
   };
   try {
-    return Json::parse(text, refuseTwins);
+    return Json::parse(text, watch);
   } catch (const Json::parse_error& error) {
-    throw ModelError(file + ": is not JSON: byte " + std::to_string(error.byte) + ": " + error.what());
+    throw ModelError(file + ": " + place.Pointer() + ": is not JSON: byte " + std::to_string(error.byte) + ": " +
+                     error.what());
+  } catch (const Json::exception& error) {  // a number that no double holds
+    throw ModelError(file + ": " + place.Pointer() + ": " + error.what());
   }
 }
 

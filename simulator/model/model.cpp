@@ -17,8 +17,13 @@ Model BuiltInModel() { return Model(BuildModel("built-in model", kBuiltInModelTe
 Model LoadModel(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw ModelError(path + ": cannot be read: " + std::generic_category().message(errno));
-  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (file.bad() || text.empty()) throw ModelError(path + ": holds no text");
+  std::string text;
+  try {
+    text.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+  } catch (const std::ios_base::failure&) {  // a directory opens, but cannot be read
+    throw ModelError(path + ": cannot be read: " + std::generic_category().message(errno));
+  }
+  if (text.empty()) throw ModelError(path + ": holds no text");
   return Model(BuildModel(path, text));
 }
 

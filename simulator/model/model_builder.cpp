@@ -175,8 +175,10 @@ std::string UniqueName(const JsonNode& node, const char* member, std::set<std::s
 Value ToValue(const JsonNode& node, const PropertyDeclaration& property) {
   const auto text = [&property](const JsonNode& scalar) {
     const nlohmann::json& json = scalar.Json();
-    std::string written = json.is_string() ? json.get<std::string>() : json.dump();
-    if (json.is_structured() || json.is_null() || !IsLegalText(property.type, written)) {
+    std::string written;
+    // What holds other values is not written out: it may be nested deeper than any stack.
+    if (json.is_primitive()) written = json.is_string() ? json.get<std::string>() : json.dump();
+    if (!json.is_primitive() || json.is_null() || !IsLegalText(property.type, written)) {
       scalar.Fail("is no " + std::string(TypeName(property.type)));
     }
     return written;
@@ -194,6 +196,7 @@ class Builder {
   std::shared_ptr<ObjectStore> Build(const JsonNode& root) {
     root.RequireObject(
         {"$schema", "formatVersion", "chassis", "bays", "cmms", "switches", "passThrus", "nodes", "extraInstances"});
+    if (const auto schema = root.Find("$schema")) schema->Text();
     root.Require("formatVersion").Number(1, 1);
     AddChassis(root.Require("chassis"));
     AddSlots(root.Find("bays"));
@@ -407,9 +410,11 @@ class Builder {
     const ClassDeclaration* const declaration = FindClass(className.Text());
     if (declaration == nullptr) className.Fail("there is no such class");
     NamedValues values;
+    std::set<const PropertyDeclaration*> taken;
     for (const auto& [name, member] : node.Require("properties").Members()) {
       const PropertyDeclaration* const property = declaration->FindProperty(name);
       if (property == nullptr) member.Fail("the class " + std::string(declaration->name) + " has no such property");
+      if (!taken.insert(property).second) member.Fail("the property stands here for the second time");
       values.emplace_back(name, ToValue(member, *property));
     }
     try {

@@ -4,6 +4,7 @@
 #include "server/operations.h"
 
 #include <algorithm>
+#include <exception>
 #include <initializer_list>
 #include <optional>
 #include <string_view>
@@ -263,6 +264,10 @@ std::string Operations::Answer(const Request& request) {
   } catch (const CimError& error) {
     content.clear();
     AppendError(content, static_cast<int>(error.Status()), error.what());
+  } catch (const std::exception& error) {
+    // A fault of one operation must not end the server for all clients.
+    content.clear();
+    AppendError(content, static_cast<int>(CimStatus::kFailed), error.what());
   }
   const auto write = request.isIntrinsic ? WriteIntrinsicAnswer : WriteExtrinsicAnswer;
   return write(request.messageId, request.name, [&content](std::string& out) { out += content; });

@@ -34,6 +34,8 @@ using ErrorCode = boost::system::error_code;
 constexpr std::uint32_t kHeaderLimit = 64 * 1024;
 constexpr std::uint64_t kBodyLimit = 8 * 1024 * 1024;
 constexpr auto kIdleLimit = std::chrono::seconds(120);
+constexpr auto kDiscardLimit = std::chrono::seconds(5);
+constexpr std::size_t kDiscardBlock = 64 * 1024;
 constexpr std::size_t kThreads = 2;
 constexpr const char* kHostInPaths = "cmm";
 
@@ -111,6 +113,7 @@ class Session : public std::enable_shared_from_this<Session<Stream>> {
     HttpReply reply;
     reply.status = static_cast<int>(status);
     keepAlive_ = false;
+    refused_ = true;
     WriteHeaderOnly(reply);
   }
 
@@ -163,6 +166,7 @@ class Session : public std::enable_shared_from_this<Session<Stream>> {
     http::async_write(stream_, response_, [self = this->shared_from_this()](const ErrorCode& error, std::size_t) {
       if (error) return;
       if (self->keepAlive_) return self->ReadHeader();
+      if (self->refused_) return self->Discard();
       self->End();
     });
   }
@@ -177,12 +181,30 @@ class Session : public std::enable_shared_from_this<Session<Stream>> {
     }
   }
 
+  // After a request that was not read to its end. A socket closed on unread bytes is reset, and the client may lose the
+  // reply by that; so what still comes is read and dropped for a short time, below TLS if there is any.
+  void Discard() {
+    ErrorCode ignored;
+    beast::get_lowest_layer(stream_).socket().shutdown(Tcp::socket::shutdown_send, ignored);
+    beast::get_lowest_layer(stream_).expires_after(kDiscardLimit);
+    buffer_.clear();
+    DiscardBlock();
+  }
+
+  void DiscardBlock() {
+    beast::get_lowest_layer(stream_).async_read_some(
+        buffer_.prepare(kDiscardBlock), [self = this->shared_from_this()](const ErrorCode& error, std::size_t) {
+          if (!error) self->DiscardBlock();
+        });
+  }
+
   Stream stream_;
   Service& service_;
   beast::flat_buffer buffer_;
   std::optional<http::request_parser<http::string_body>> parser_;
   http::response<http::string_body> response_;
   bool keepAlive_ = true;
+  bool refused_ = false;
 };
 
 [[noreturn]] void FailToListen(const ErrorCode& error, const std::string& address, int port) {

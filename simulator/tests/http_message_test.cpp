@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
 #include "orvane/simulator/simulator.h"
@@ -138,6 +139,66 @@ TEST_F(CimOverHttp, UnknownPropertyIs12AndWrongTypeIs13) {
               HasSubstr("<ERROR CODE=\"13\""));
   EXPECT_THAT(Modify(R"(<PROPERTY NAME="EnabledState" TYPE="uint16"><VALUE>65536</VALUE></PROPERTY>)"),
               HasSubstr("<ERROR CODE=\"13\""));
+}
+
+TEST_F(CimOverHttp, ShallowEnumerationCutsInstancesToTheClass) {
+  const std::string className = Parameter("ClassName", ClassName("CIM_ComputerSystem"));
+  const std::string deep = Call("EnumerateInstances", className);
+  const std::string shallow =
+      Call("EnumerateInstances", className + Parameter("DeepInheritance", "<VALUE>FALSE</VALUE>"));
+
+  EXPECT_THAT(deep, HasSubstr("NAME=\"EHCMState\""));
+  EXPECT_THAT(shallow, testing::Not(HasSubstr("NAME=\"EHCMState\"")));
+  // Instances of subclasses are there nonetheless, under their own class.
+  EXPECT_THAT(shallow, HasSubstr("<INSTANCE CLASSNAME=\"VORTA_IOModuleComputerSystem\""));
+  EXPECT_THAT(shallow, HasSubstr("NAME=\"Dedicated\""));
+}
+
+TEST_F(CimOverHttp, DeepInheritanceMustBeABoolean) {
+  EXPECT_THAT(Call("EnumerateInstances", Parameter("ClassName", ClassName("CIM_Chassis")) +
+                                             Parameter("DeepInheritance", "<VALUE>maybe</VALUE>")),
+              HasSubstr("<ERROR CODE=\"4\""));
+}
+
+TEST_F(CimOverHttp, ModifyingAKeyIs4AndChangesNothing) {
+  EXPECT_THAT(Modify(R"(<PROPERTY NAME="EnabledState" TYPE="uint16"><VALUE>9</VALUE></PROPERTY>)"
+                     R"(<PROPERTY NAME="Name" TYPE="string"><VALUE>cmm07</VALUE></PROPERTY>)"),
+              HasSubstr("<ERROR CODE=\"4\""));
+  EXPECT_THAT(Modify(R"(<PROPERTY NAME="Name" TYPE="string"/>)"), HasSubstr("<ERROR CODE=\"4\""));
+  const std::string instance =
+      Call("GetInstance", Parameter("InstanceName", Name("VORTA_CMMComputerSystem", "Name", "cmm01")) +
+                              Parameter("PropertyList", "<VALUE.ARRAY><VALUE>EnabledState</VALUE></VALUE.ARRAY>"));
+  EXPECT_THAT(instance, HasSubstr("<VALUE>2</VALUE>"));
+  EXPECT_THAT(Call("GetInstance", Parameter("InstanceName", Name("VORTA_CMMComputerSystem", "Name", "cmm07"))),
+              HasSubstr("<ERROR CODE=\"6\""));
+}
+
+TEST_F(CimOverHttp, AKeySentAsItIsMayStandBesideAChange) {
+  EXPECT_THAT(Modify(R"(<PROPERTY NAME="Name" TYPE="string"><VALUE>cmm01</VALUE></PROPERTY>)"
+                     R"(<PROPERTY NAME="ElementName" TYPE="string"><VALUE>x</VALUE></PROPERTY>)"),
+              testing::Not(HasSubstr("ERROR")));
+}
+
+TEST_F(CimOverHttp, AMethodThatFailsUnexpectedlyIs1) {
+  operations_.AddMethod("CIM_EnabledLogicalElement", "RequestStateChange",
+                        [](ObjectStore&, const ObjectPath&, const std::vector<MethodParameter>&) -> MethodResult {
+                          throw std::runtime_error("broken");
+                        });
+  EXPECT_THAT(Invoke("RequestStateChange"), HasSubstr("<ERROR CODE=\"1\" DESCRIPTION=\"broken\""));
+}
+
+TEST_F(CimOverHttp, ReferencesNestedTooDeepAre4) {
+  std::string path = Name("VORTA_CMMComputerSystem", "Name", "cmm01");
+  for (int i = 0; i < 12; ++i) {
+    std::string keys;
+    for (const char* key : {"Antecedent", "Dependent"}) {
+      keys += std::string("<KEYBINDING NAME=\"") + key + "\"><VALUE.REFERENCE>" +
+              (keys.empty() ? path : Name("VORTA_CMMComputerSystem", "Name", "cmm01")) +
+              "</VALUE.REFERENCE></KEYBINDING>";
+    }
+    path = "<INSTANCENAME CLASSNAME=\"CIM_IsSpare\">" + keys + "</INSTANCENAME>";
+  }
+  EXPECT_THAT(Call("GetInstance", Parameter("InstanceName", path)), HasSubstr("<ERROR CODE=\"4\""));
 }
 
 TEST_F(CimOverHttp, UndeclaredMethodIs17AndUnavailableMethodIs16) {

@@ -1,21 +1,16 @@
 // The server on real sockets: answers as they stand on the wire, connections kept, two clients at once, refusals that
 // the HTTP side makes on its own.
-#include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <sys/time.h>
-#include <unistd.h>
 
 #include <array>
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <thread>
 
 #include "orvane/simulator/simulator.h"
+#include "tests/loopback_client.h"
 
 namespace Orvane::simulator {
 namespace {
@@ -29,40 +24,7 @@ constexpr const char* kBody =
     "<NAMESPACE NAME=\"cimv2\"/></LOCALNAMESPACEPATH><IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"CIM_Chassis\"/>"
     "</IPARAMVALUE></IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>";
 
-class Client {
- public:
-  explicit Client(std::uint16_t port) : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
-    const timeval limit{10, 0};
-    ::setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (::connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-      throw std::runtime_error("cannot connect");
-    }
-  }
-  ~Client() { ::close(socket_); }
-  Client(const Client&) = delete;
-  Client& operator=(const Client&) = delete;
-
-  void Send(const std::string& text) { ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL); }
-
-  // Everything up to and including this text; less when the server ends the connection or stays silent.
-  std::string ReadUntil(const std::string& end) {
-    std::string text;
-    std::array<char, 4096> buffer{};
-    while (text.find(end) == std::string::npos) {
-      const ssize_t count = ::recv(socket_, buffer.data(), buffer.size(), 0);
-      if (count <= 0) break;
-      text.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-    return text;
-  }
-
- private:
-  int socket_;
-};
+using Client = tests::PlainClient;
 
 std::string Request(const std::string& extraHeaders) {
   const std::string body = kBody;
@@ -139,6 +101,32 @@ TEST(Server, ServesSeveralClientsAtOnce) {
   for (std::thread& thread : threads) thread.join();
 
   EXPECT_EQ(simulator.RequestCount("EnumerateInstanceNames"), kClients * kRequests);
+}
+
+TEST(Server, AnswersOverTls) {
+  Options options = HttpOnly();
+  options.httpPort = -1;
+  options.httpsPort = 0;
+  const Simulator simulator(BuiltInModel(), options);
+  tests::TlsClient client(simulator.HttpsPort());
+
+  client.Send(Request(""));
+  EXPECT_THAT(client.ReadUntil("\r\n\r\n"), StartsWith("HTTP/1.1 401 "));
+  client.Send(Request("Authorization: Basic VTpw\r\n"));
+  EXPECT_THAT(client.ReadUntil("</CIM>"), HasSubstr("CLASSNAME=\"VORTA_Chassis\""));
+  EXPECT_EQ(simulator.HttpPort(), 0U);
+}
+
+TEST(Server, ContinuesForAClientThatWaitsForIt) {
+  const Simulator simulator(BuiltInModel(), HttpOnly());
+  Client client(simulator.HttpPort());
+  const std::string request = Request("Expect: 100-continue\r\nAuthorization: Basic VTpw\r\n");
+  const std::size_t body = request.find("\r\n\r\n") + 4;
+
+  client.Send(request.substr(0, body));
+  EXPECT_EQ(client.ReadUntil("\r\n\r\n"), "HTTP/1.1 100 Continue\r\n\r\n");
+  client.Send(request.substr(body));
+  EXPECT_THAT(client.ReadUntil("</CIM>"), StartsWith("HTTP/1.1 200 "));
 }
 
 TEST(Server, SaysWhichPortIsTaken) {
