@@ -112,7 +112,7 @@ Log::~Log() {
     Record record{std::chrono::system_clock::now(), level_, file_, line_, stream_.str()};
     DropLineEnd(record.text);
     LogState::Instance().Emit(record);
-  } catch (const std::exception&) {
+  } catch (...) {
     // A log line that cannot be written must not end the operation that wrote it.
     return;
   }

@@ -21,7 +21,7 @@ std::map<int, std::vector<Clock::time_point>>& OpenSteps() {
 
 void AddDetailTimeDebugLog(int level, const char* file, int line, const std::string& mark, int step, int value,
                            std::string detail) {
-  if (level < 0 || Log::GetMinLogLevel() < static_cast<unsigned>(level)) return;
+  if (level < 1 || Log::GetMinLogLevel() < static_cast<unsigned>(level)) return;
   Log log(static_cast<unsigned>(level), file, line);
   log.Stream() << mark << " step=" << step << " value=" << value << " " << detail;
   if (mark == "[B]") {

@@ -114,6 +114,20 @@ TEST(Log, ASinkThatThrowsDoesNotEndTheProgram) {
   EXPECT_EQ(calls, 1);
 }
 
+TEST(Log, NorDoesOneThatThrowsWhatIsNoException) {
+  const testing::ScopedLog restores;
+  int calls = 0;
+  Log::SetSink([&](const Log::Record&) {
+    ++calls;
+    throw 28;
+  });
+
+  Log(1, "f", 1).Stream() << "x";
+  Log(1, "f", 2).Stream() << "the next line still comes";
+
+  EXPECT_EQ(calls, 2);
+}
+
 TEST(Log, SinkGetsEveryRecordOfEightThreads) {
   const testing::ScopedLog log;
 

@@ -68,5 +68,13 @@ TEST(AddDetailTimeDebugLog, WritesNothingBelowItsLevel) {
   EXPECT_THAT(log.Records(), IsEmpty());
 }
 
+TEST(AddDetailTimeDebugLog, WritesNothingAtALevelThatIsNone) {
+  const testing::ScopedLog log(0);
+
+  for (const int level : {-1, 0}) AddDetailTimeDebugLog(level, "f", 1, "[B]", 92, 0, "");
+
+  EXPECT_THAT(log.Records(), IsEmpty()) << "verbosity 0 means that nothing is logged";
+}
+
 }  // namespace
 }  // namespace Orvane
