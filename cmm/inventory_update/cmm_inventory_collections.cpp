@@ -17,7 +17,7 @@ using Pegasus::Uint32;
 namespace Orvane {
 namespace {
 
-constexpr const char* kLogSource = kInventoryLogSource;
+constexpr char kLogSource[] = "cmm/inventory_update/cmm_inventory_collections";
 
 constexpr std::size_t kMaxFirmwareKey = 127;
 

@@ -12,9 +12,6 @@
 
 namespace Orvane {
 
-/// The log source of the inventory, which spreads over several files.
-constexpr char kInventoryLogSource[] = "cmm/inventory_update/cmm_inventory_imp";
-
 // Return codes of the inventory. The collection of pass-through modules has its own code for a CIM error.
 constexpr int kOk = 0;
 constexpr int kNoConnection = 1;

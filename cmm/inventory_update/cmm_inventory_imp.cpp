@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 #include "cmm/inventory_update/cim_names.h"
 #include "cmm/inventory_update/cmm_inventory_common.h"
@@ -19,7 +20,7 @@ using Pegasus::Uint32;
 namespace Orvane {
 namespace {
 
-constexpr const char* kLogSource = kInventoryLogSource;
+constexpr char kLogSource[] = "cmm/inventory_update/cmm_inventory_imp";
 
 // GetSwitchType().
 constexpr int kKindIOModule = 1;
@@ -37,6 +38,9 @@ constexpr std::array<EquipmentKind, 3> kEquipmentKinds = {{
     {4, cim::kVortaComputerSystem},
 }};
 constexpr int kEquipmentIOModules = 1;
+
+// Stands for a module whose slot was not found, so that it counts for no bay.
+constexpr std::int32_t kNoSlot = std::numeric_limits<std::int32_t>::min();
 
 // The words that mark a name which ends in the two digits of a bay.
 constexpr std::array<const char*, 3> kEquipmentWords = {"cmm", "node", kIOModuleWord};
@@ -237,11 +241,12 @@ int CMMTarnInventoryImp::CollectSameTypeModuleBayID(int bayId, std::vector<int>&
     const Array<CIMInstance> systems = ComputerSystemsDedicatedToOrThrow(cim::kDedicatedIOModule);
     for (Uint32 i = 0; i < systems.size(); ++i) {
       Physicallnfo physical;
+      physical.SlotNumber = kNoSlot;
       result = collectPhysicalInfo(systems[i].getPath(), cim::kComputerSystemPackage, cim::kPhysicalPackage, physical);
       if (result != kOk) {
         ORVANE_LOG(kLogError) << "perform func[collectPhysicalInfo] failed. return code: " << result;
       }
-      if (physical.SlotNumber != Physicallnfo().SlotNumber) modules.push_back(std::move(physical));
+      if (physical.SlotNumber != kNoSlot) modules.push_back(std::move(physical));
     }
   } catch (const Pegasus::Exception& error) {
     ORVANE_LOG(kLogError) << ErrorText(error);

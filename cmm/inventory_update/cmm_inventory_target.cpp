@@ -16,7 +16,7 @@ using Pegasus::Uint32;
 namespace Orvane {
 namespace {
 
-constexpr const char* kLogSource = kInventoryLogSource;
+constexpr char kLogSource[] = "cmm/inventory_update/cmm_inventory_target";
 
 struct StatusName {
   Pegasus::CIMStatusCode code;

@@ -24,6 +24,9 @@ class PegClientOpt {
   PegClientOpt(const PegClientOpt&) = delete;
   PegClientOpt& operator=(const PegClientOpt&) = delete;
 
+  /// How long a request, or a connect, waits at most, in milliseconds.
+  Pegasus::Uint32 Timeout() const { return client_->getTimeout(); }
+
   /// Connects with HTTPS and, when that fails, with HTTP on the same port.
   /// @param port  0: HTTPS on 5989, then HTTP on 5988.
   /// @return the code of the last attempt, see ConnectOnce(). After a failure the session can connect again.

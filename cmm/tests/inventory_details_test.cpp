@@ -314,6 +314,43 @@ TEST_F(DetailCollectors, ACimErrorInsideIsLoggedByTheSessionAndReadsAsNothingThe
                                         "Pegasus Exception: endpoint provider"));
 }
 
+TEST_F(DetailCollectors, LinksThatCannotBeReadLeaveTheStatusEmpty) {
+  server.OnEnumerate(kElementIdentity, CimError(1, "links are gone"));
+  CIMIOData* module = Module({Image("img-1")});
+  ASSERT_NE(module, nullptr);
+  EXPECT_EQ(module->Firmwares.at(0).ElementSoftwareStatus, "");
+  EXPECT_THAT(log.Texts(1), ElementsAre("EnumerateInstances Exception: links are gone"));
+}
+
+TEST_F(DetailCollectors, TheFirstLinkIsTakenAlsoWhenItHasNoStatus) {
+  CimObjectSpec bare(kElementIdentity);
+  bare.Key("Id", "1").With("Antecedent", "CIM_SoftwareIdentity.InstanceID=\"img-1\"");
+  server.OnEnumerate(kElementIdentity, Objects({bare, StatusLink("img-1", {2})}));
+  CIMIOData* module = Module({Image("img-1")});
+  ASSERT_NE(module, nullptr);
+  EXPECT_EQ(module->Firmwares.at(0).ElementSoftwareStatus, "");
+}
+
+// A class where an instance belongs cannot become one, which is a CIM error of the collector itself.
+TEST_F(DetailCollectors, AClassAmongTheAnswersEndsACollectorWithThree) {
+  const CimAnswer aClass = Body(
+      "<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">\n"
+      "<MESSAGE ID=\"@ID@\" PROTOCOLVERSION=\"1.0\">\n<SIMPLERSP>\n<IMETHODRESPONSE NAME=\"Associators\">\n"
+      "<IRETURNVALUE>\n<VALUE.OBJECTWITHPATH>\n<CLASSPATH>\n<NAMESPACEPATH>\n<HOST>cmm01</HOST>\n"
+      "<LOCALNAMESPACEPATH>\n<NAMESPACE NAME=\"root\"/>\n<NAMESPACE NAME=\"cimv2\"/>\n</LOCALNAMESPACEPATH>\n"
+      "</NAMESPACEPATH>\n<CLASSNAME NAME=\"CIM_X\"/>\n</CLASSPATH>\n<CLASS NAME=\"CIM_X\">\n</CLASS>\n"
+      "</VALUE.OBJECTWITHPATH>\n</IRETURNVALUE>\n</IMETHODRESPONSE>\n</SIMPLERSP>\n</MESSAGE>\n</CIM>\n");
+  server.OnEnumerate("CIM_ComputerSystem", Objects({System("iomodule03", {12})}));
+  server.OnAssociators("", kSystemPackage, kPhysicalPackage, aClass);
+  server.OnAssociators("", kElementIdentity, kIdentity, aClass);
+  server.OnAssociators("", kAccessPoint, kEndpoint, aClass);
+  EXPECT_EQ(imp.collectIOModuleData(modules), 0);
+  EXPECT_EQ(modules.Size(), 0U);
+  EXPECT_THAT(log.Texts(1), ElementsAre("dynamic cast failed", "perform func[collectPhysicalInfo] failedreturn code: 3",
+                                        "dynamic cast failed", "perform func[collectFirmwareInfo] failedreturn code: 3",
+                                        "dynamic cast failed", "perform func[collectIPInfo] failedreturn code: 3"));
+}
+
 TEST_F(DetailCollectors, WithoutAConnectionEveryCollectorReturnsThree) {
   const Pegasus::CIMObjectPath path("CIM_ComputerSystem.Name=\"cmm01\"");
   Physicallnfo physical;

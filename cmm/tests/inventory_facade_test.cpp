@@ -1,4 +1,6 @@
 // The exported operations of CMMInventory: codes, log lines, requests and connections of each.
+#include <algorithm>
+
 #include "cmm/tests/inventory_fixture.h"
 
 namespace Orvane::testing {
@@ -242,6 +244,20 @@ TEST_F(Facade, SwitchTypeFailures) {
   EXPECT_EQ(Conversation().back(), "disconnect");
 }
 
+TEST_F(Facade, SwitchTypeEndsAtTheFirstErrorOfAPackage) {
+  server.OnEnumerate("CIM_Slot", Objects({Slot("iomodule02", "2")}));
+  server.OnAssociatorNames("", kPackageInSlot, kPhysicalPackage, Objects({Package("p"), Package("q")}));
+  server.OnAssociators(PackagePath("q"), kSystemPackage, "CIM_ComputerSystem", Objects({System("s", {12})}));
+  server.OnAssociators(PackagePath("p"), kSystemPackage, "CIM_ComputerSystem", CimError(1, "systems are gone"));
+  EXPECT_EQ(inventory.GetSwitchType(2), 3);
+  EXPECT_THAT(log.Texts(1), ElementsAre(" Error:systems are gone"));
+  server.OnAssociators(PackagePath("p"), kSystemPackage, "CIM_ComputerSystem", NoObjects());
+  server.OnAssociators(PackagePath("p"), kRealizes, kPassThruClass, HttpStatus(503, "Service Unavailable"));
+  EXPECT_EQ(inventory.GetSwitchType(2), 3);
+  EXPECT_EQ(log.Texts(1).back(), " Error:HTTP Error (503 Service Unavailable).");
+  EXPECT_EQ(Conversation().back(), "disconnect");
+}
+
 TEST_F(Facade, SwitchTypeThatCannotConnectAgainWarns) {
   server.OnEnumerate("CIM_Slot", ThenRefuse(Objects({Slot("iomodule02", "2")})));
   EXPECT_EQ(inventory.GetSwitchType(2), 3);
@@ -307,6 +323,53 @@ TEST_F(SameType, ResultIsThatOfTheLastModule) {
   EXPECT_THAT(log.Texts(1), ElementsAre("perform func[collectPhysicalInfo] failed. return code: 3"));
 }
 
+TEST_F(SameType, AFailureBeforeTheLastModuleIsForgotten) {
+  Module("c", "V", "P", "5");
+  Module("a", "V", "P", "4");
+  Module("b", "V", "P", "3");
+  server.OnAssociators(SystemPath("c"), kSystemPackage, kPhysicalPackage, NoObjects());
+  EXPECT_EQ(inventory.CollectSameTypeModuleBayID(3, bays), 0);
+  EXPECT_THAT(bays, ElementsAre(99, 4));
+  EXPECT_THAT(log.Texts(1), ElementsAre("perform func[collectPhysicalInfo] failed. return code: 3"));
+}
+
+TEST_F(SameType, NothingFoundGivesFiveWhateverTheLastModuleGave) {
+  Module("b", "V", "P", "3");
+  Module("c", "V", "P", "five");
+  EXPECT_EQ(inventory.CollectSameTypeModuleBayID(3, bays), 5);
+  EXPECT_THAT(bays, ElementsAre(99)) << "a module without a slot number is in no bay";
+  EXPECT_THAT(log.Texts(1),
+              ElementsAre("Unknown exception occurred", "perform func[collectPhysicalInfo] failed. return code: 4"));
+}
+
+TEST_F(SameType, ModulesWithoutASlotAreInNoBay) {
+  Module("a", "", "", "4");
+  server.OnAssociators(PackagePath("a"), kPackageInSlot, "CIM_Slot", NoObjects());
+  Module("b", "", "", "3");
+  for (const int bay : {-1, 7}) {
+    bays.clear();
+    EXPECT_EQ(inventory.CollectSameTypeModuleBayID(bay, bays), 0);
+    EXPECT_THAT(bays, ElementsAre(3));
+  }
+}
+
+TEST_F(SameType, ASlotNumberBelowZeroIsABayLikeOthers) {
+  Module("a", "V", "P", "-1");
+  Module("b", "V", "P", "3");
+  EXPECT_EQ(inventory.CollectSameTypeModuleBayID(3, bays), 0);
+  EXPECT_EQ(inventory.CollectSameTypeModuleBayID(-1, bays), 0);
+  EXPECT_THAT(bays, ElementsAre(99, -1, 3));
+}
+
+TEST_F(SameType, OfTwoModulesInTheBayTheFirstIsTheModel) {
+  Module("a", "V1", "P", "3");
+  Module("b", "V2", "P", "3");
+  Module("c", "V2", "P", "5");
+  Module("d", "V1", "P", "6");
+  EXPECT_EQ(inventory.CollectSameTypeModuleBayID(3, bays), 0);
+  EXPECT_THAT(bays, ElementsAre(99, 6));
+}
+
 TEST_F(SameType, Failures) {
   EXPECT_EQ(nobody.CollectSameTypeModuleBayID(3, bays), 1);
   EXPECT_EQ(log.Texts(1).back(), "Connection is fail, please check your network");
@@ -364,6 +427,39 @@ TEST_F(Equipment, OtherKindsConnectAndAskNothing) {
 TEST_F(Equipment, NothingConnectedGivesAnEmptyText) {
   EXPECT_EQ(nobody.GetManagedEquipmentInfo(0), "");
   EXPECT_EQ(log.Texts(1).back(), "Connection is fail, please check your network");
+}
+
+TEST_F(Equipment, TheWordMayStandAnywhereAndOnlyInLowerCase) {
+  server.OnEnumerate("VORTA_IOModuleComputerSystem",
+                     Objects({Named("VORTA_IOModuleComputerSystem", "a node in bay 09"),
+                              Named("VORTA_IOModuleComputerSystem", "Iomodule04"),
+                              Named("VORTA_IOModuleComputerSystem", "chassis/iomodule/bay0a")}));
+  EXPECT_EQ(inventory.GetManagedEquipmentInfo(1), "9,0a");
+}
+
+TEST_F(Facade, LinesNameTheirSourceAndPlace) {
+  server.OnEnumerate("CIM_ComputerSystem", Objects({System("cmm01", {29})}));
+  ScriptCmm("cmm01", "1");
+  CMMDataList cmms;
+  EXPECT_EQ(inventory.GetCMMData(cmms), 0);
+  imp.GetTargetInstance(0, 0);
+  const std::string folder = "cmm/inventory_update/";
+  const std::pair<std::string, std::string> sources[] = {
+      {"CMMTarnInventoryImp::GetCMMData", folder + "cmm_inventory_imp"},
+      {ConnectLine().substr(2), folder + "cmm_peg_client"},
+      {"collect CMMData", folder + "cmm_inventory_collections"},
+      {"collect physical info", folder + "cmm_inventory_details"},
+      {"the size of insts_CmptSys is 1", folder + "cmm_inventory_target"},
+  };
+  const std::vector<Log::Record> records = log.Records();
+  for (const auto& [text, file] : sources) {
+    const auto record = std::find_if(records.begin(), records.end(), [&wanted = text](const Log::Record& candidate) {
+      return candidate.text == wanted;
+    });
+    ASSERT_NE(record, records.end()) << text;
+    EXPECT_EQ(record->file, file) << text;
+    EXPECT_GT(record->line, 0) << text;
+  }
 }
 
 TEST_F(Facade, ASecondCallStartsClean) {

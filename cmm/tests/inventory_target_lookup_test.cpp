@@ -184,5 +184,42 @@ INSTANTIATE_TEST_SUITE_P(
                       StatusCase{16, ""}, StatusCase{17, ""}, StatusCase{200, ""}),
     [](const ::testing::TestParamInfo<StatusCase>& param) { return "Code" + std::to_string(param.param.code); });
 
+// Errors of the later requests end the lookup as well, they do not read as an empty bay.
+TEST_F(TargetLookup, AnErrorBehindTheSlotIsNamed) {
+  server.OnEnumerate("CIM_Slot", Objects({Slot("iomodule02", "2")}));
+  server.OnAssociatorNames("", kPackageInSlot, kPhysicalPackage, CimError(7, "no"));
+  EXPECT_EQ(Find(2, 1), "");
+  EXPECT_EQ(Find(2, 2), "");
+  server.OnAssociatorNames("", kPackageInSlot, kPhysicalPackage, Objects({Package("p")}));
+  server.OnAssociators("", kSystemPackage, "CIM_ComputerSystem", CimError(2, "no"));
+  server.OnAssociators("", kRealizes, kPassThruClass, CimError(5, "no"));
+  EXPECT_EQ(Find(2, 1), "");
+  EXPECT_EQ(Find(2, 2), "");
+  EXPECT_THAT(log.Texts(1), ElementsAre("CIM_ERR_NOT_SUPPORTED", "CIM_ERR_NOT_SUPPORTED", "CIM_ERR_ACCESS_DENIED",
+                                        "CIM_ERR_INVALID_CLASS"));
+  EXPECT_TRUE(server.WaitUntilAllClosed());
+}
+
+TEST_F(TargetLookup, AnErrorWithoutAStatusIsLoggedWithItsText) {
+  server.OnAnything(HttpStatus(500, "Internal Server Error"), Close());
+  EXPECT_EQ(Find(0, 0), "");
+  EXPECT_EQ(Find(3, 4), "");
+  EXPECT_THAT(log.Texts(1), ElementsAre("HTTP Error (500 Internal Server Error).", "Connection closed by CIM Server."));
+  EXPECT_TRUE(server.WaitUntilAllClosed());
+}
+
+TEST_F(TargetLookup, SlotNumbersAreReadLeniently) {
+  server.OnEnumerate("CIM_Slot", Objects({Slot("iomodule-a", " 2x"), Slot("iomodule-b", "none")}));
+  server.OnAssociatorNames("", kPackageInSlot, kPhysicalPackage, Objects({Package("p")}));
+  server.OnAssociators("", kSystemPackage, "CIM_ComputerSystem", Objects({System("s", {12})}));
+  EXPECT_NE(Find(2, 1), "");
+  EXPECT_EQ(server.Summaries()[1],
+            "AssociatorNames CIM_Slot.Tag=\"iomodule-a\" [CIM_PackageInSlot, CIM_PhysicalPackage]");
+  server.ForgetJournal();
+  EXPECT_NE(Find(0, 1), "");
+  EXPECT_EQ(server.Summaries()[1],
+            "AssociatorNames CIM_Slot.Tag=\"iomodule-b\" [CIM_PackageInSlot, CIM_PhysicalPackage]");
+}
+
 }  // namespace
 }  // namespace Orvane::testing

@@ -433,6 +433,15 @@ TEST(SessionConnect, LinesNameTheSource) {
   }
 }
 
+TEST(Session, WaitsFiveMinutesForConnectsAndRequests) {
+  CimServer server;
+  PegClientOpt session;
+
+  EXPECT_EQ(session.Timeout(), 300000u);
+  ASSERT_EQ(session.Connect(kHost, server.Port(), kUser, kPassword), 0);
+  EXPECT_EQ(session.Timeout(), 300000u);
+}
+
 TEST(SessionDisconnect, WithoutAConnectionIsTrue) {
   PegClientOpt session;
 
