@@ -10,6 +10,8 @@
 #include <Pegasus/Common/CIMScope.h>
 #include <Pegasus/Common/CIMValue.h>
 
+#include <utility>
+
 #include "objects/internal.h"
 #include "objects/named_set.h"
 
@@ -40,13 +42,15 @@ struct ParamValueBody {
 };
 
 struct PropertyBody {
+  PropertyBody(CIMName&& itsName, CIMValue&& itsValue) : name(std::move(itsName)), value(std::move(itsValue)) {}
+
   CIMName name;
   CIMValue value;
   CIMName referenceClassName;
   CIMName classOrigin;
   Uint32 arraySize = 0;
-  Boolean propagated = false;
   Uint32 containers = 0;
+  Boolean propagated = false;
   QualifierSet qualifiers;
 };
 

@@ -75,6 +75,8 @@ struct Access {
   }
   static CIMValue::Content& Content(CIMValue& value) { return value.content_; }
   static const CIMValue::Content& Content(const CIMValue& value) { return value.content_; }
+  /// Makes the content a scalar and returns where its value goes.
+  static void* NewScalar(CIMValue& value) { return value.content_.emplace<CIMValue::Scalar>().bytes; }
   static void SetKind(CIMValue& value, CIMType type, Boolean isArray) {
     value.type_ = type;
     value.isArray_ = isArray;

@@ -77,10 +77,8 @@ namespace objects {
 CIMProperty Access::MakePropertyUnchecked(CIMName&& name, CIMValue&& value, Uint32 arraySize,
                                           CIMName&& referenceClassName, CIMName&& classOrigin, Boolean propagated) {
   CIMProperty property;
-  property.body_ = std::make_shared<PropertyBody>();
+  property.body_ = std::make_shared<PropertyBody>(std::move(name), std::move(value));
   PropertyBody& body = *property.body_;
-  body.name = std::move(name);
-  body.value = std::move(value);
   body.referenceClassName = std::move(referenceClassName);
   body.classOrigin = std::move(classOrigin);
   body.arraySize = arraySize;

@@ -7,6 +7,7 @@
 #include <Pegasus/Common/CIMValue.h>
 
 #include <memory>
+#include <new>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -57,6 +58,10 @@ inline constexpr bool kIsHandle = Kind<T>::kType == CIMTYPE_OBJECT || Kind<T>::k
 template <typename T>
 inline constexpr bool kInPlace = !Kind<T>::kIsArray && Kind<T>::kType <= CIMTYPE_DATETIME;
 
+/// Elements without storage of their own: truth values, numbers and characters.
+template <typename T>
+inline constexpr bool kIsPlain = kInPlace<T>&& Kind<T>::kType < CIMTYPE_STRING;
+
 /// An independent copy of `x`; throws UninitializedObjectException when it is or holds an uninitialised handle.
 template <typename T>
 T Independent(const T& x) {
@@ -78,7 +83,9 @@ T Independent(const T& x) {
 template <typename T>
 void Store(CIMValue& value, T&& x) {
   using Plain = std::decay_t<T>;
-  if constexpr (kInPlace<Plain>) {
+  if constexpr (kIsPlain<Plain>) {
+    new (Access::NewScalar(value)) Plain(x);
+  } else if constexpr (kInPlace<Plain>) {
     Access::Content(value) = Plain(std::forward<T>(x));
   } else {
     Access::Content(value) = std::shared_ptr<const void>(std::make_shared<const Plain>(std::forward<T>(x)));
@@ -88,7 +95,10 @@ void Store(CIMValue& value, T&& x) {
 
 template <typename T>
 const T* Access::Peek(const CIMValue& value) {
-  if constexpr (kInPlace<T>) {
+  if constexpr (kIsPlain<T>) {
+    const auto* const scalar = std::get_if<CIMValue::Scalar>(&value.content_);
+    return scalar != nullptr ? std::launder(reinterpret_cast<const T*>(scalar->bytes)) : nullptr;
+  } else if constexpr (kInPlace<T>) {
     return std::get_if<T>(&value.content_);
   } else {
     const auto* const shared = std::get_if<CIMValue::Shared>(&value.content_);

@@ -1,6 +1,7 @@
 // The part of the object decoder that reads instances, classes and what they consist of.
 #include "wire/object_decoder.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -13,6 +14,8 @@ namespace {
 
 /// How many qualifiers one element and how many parameters and methods one class or method may have.
 constexpr std::size_t kMaxMembers = 4096;
+/// For how many properties room is made ahead; bounds what a small instance behind a large one can take.
+constexpr Uint32 kMaxReserved = 32;
 
 }  // namespace
 
@@ -43,19 +46,19 @@ Embedded ObjectDecoder::FindEmbedded() const {
 ObjectDecoder::PropertyAttributes ObjectDecoder::ReadPropertyAttributes(std::string_view element) const {
   PropertyAttributes result;
   for (const auto& [name, value] : reader_.Attributes()) {
-    if (name == "NAME") {
+    if (Equals(name, "NAME")) {
       result.name = value;
-    } else if (name == "TYPE") {
+    } else if (Equals(name, "TYPE")) {
       result.type = value;
-    } else if (name == "CLASSORIGIN") {
+    } else if (Equals(name, "CLASSORIGIN")) {
       result.classOrigin = value;
-    } else if (name == "PROPAGATED") {
+    } else if (Equals(name, "PROPAGATED")) {
       result.propagated = reader_.BooleanAttribute(element, name, false);
-    } else if (name == "ARRAYSIZE") {
+    } else if (Equals(name, "ARRAYSIZE")) {
       result.arraySize = value;
-    } else if (name == "REFERENCECLASS") {
+    } else if (Equals(name, "REFERENCECLASS")) {
       result.referenceClass = value;
-    } else if (name == "EmbeddedObject" || name == "EMBEDDEDOBJECT") {
+    } else if (Equals(name, "EmbeddedObject") || Equals(name, "EMBEDDEDOBJECT")) {
       result.embedded = ToEmbedded(value);
     }
   }
@@ -187,7 +190,9 @@ CIMInstance ObjectDecoder::ReadInstance(const char* message) {
   CIMInstance instance = objects::Access::MakeInstanceUnchecked(CIMName(paths_.NeedName("INSTANCE", "CLASSNAME")));
   reader_.Next();
   AddQualifiers(instance, ReadQualifiers());
+  objects::Access::ReserveProperties(instance, std::min(lastPropertyCount_, kMaxReserved));
   ReadProperties(instance);
+  lastPropertyCount_ = instance.getPropertyCount();
   reader_.Leave("INSTANCE");
   return instance;
 }

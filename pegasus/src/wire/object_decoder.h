@@ -93,6 +93,8 @@ class ObjectDecoder {
   NameCache names_;
   PathDecoder paths_;
   unsigned embeddingDepth_;
+  /// Properties of the instance read last; the next one usually has as many.
+  Uint32 lastPropertyCount_ = 0;
 };
 
 }  // namespace Pegasus::wire

@@ -80,6 +80,9 @@ std::optional<bool> ParseBoolean(std::string_view text) {
 }
 
 std::optional<CIMType> ParseType(std::string_view text) {
+  // The two that most properties have.
+  if (Equals(text, "string")) return CIMTYPE_STRING;
+  if (Equals(text, "uint16")) return CIMTYPE_UINT16;
   for (const TypeName& entry : kTypeNames) {
     if (entry.name == text) return entry.type;
   }

@@ -18,7 +18,7 @@ class XmlReader {
 
   /// Tells whether the token in view opens an element of this name.
   bool AtStart(std::string_view name) const {
-    return scanner_.Current() == XmlScanner::Token::kStart && scanner_.Text() == name;
+    return scanner_.Current() == XmlScanner::Token::kStart && Equals(scanner_.Text(), name);
   }
   bool AtStart() const { return scanner_.Current() == XmlScanner::Token::kStart; }
   bool AtClose() const { return scanner_.Current() == XmlScanner::Token::kClose; }

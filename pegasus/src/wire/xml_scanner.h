@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,12 @@ enum class XmlError {
   kValidation,
   kSemantic,
 };
+
+/// Compares with a text known at compile time, which compilers turn into a few instructions: the size they see is that
+/// of `known`.
+inline bool Equals(std::string_view text, std::string_view known) {
+  return text.size() == known.size() && std::memcmp(text.data(), known.data(), known.size()) == 0;
+}
 
 /// Tokenizer. Not copyable: its views point into its own buffer.
 class XmlScanner {

@@ -165,8 +165,11 @@ class PEGASUS_COMMON_LINKAGE CIMValue {
   // Paths, objects, instances and arrays of anything are held behind a pointer to content that never changes, so
   // copies of a value may share it.
   using Shared = std::shared_ptr<const void>;
-  using Content = std::variant<std::monostate, Boolean, Uint8, Sint8, Uint16, Sint16, Uint32, Sint32, Uint64, Sint64,
-                               Real32, Real64, Char16, String, CIMDateTime, Shared>;
+  /// A truth value, number or character; type_ tells which. Few alternatives make a variant that is cheap to move.
+  struct Scalar {
+    alignas(8) unsigned char bytes[8];
+  };
+  using Content = std::variant<std::monostate, Scalar, String, CIMDateTime, Shared>;
 
   Content content_;
   Uint32 nullArraySize_ = 0;
