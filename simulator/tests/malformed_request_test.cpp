@@ -7,8 +7,8 @@
 #include <ostream>
 #include <string>
 
+#include "loopback_client.h"
 #include "orvane/simulator/simulator.h"
-#include "tests/loopback_client.h"
 
 namespace Orvane::simulator {
 namespace {

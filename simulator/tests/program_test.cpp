@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/child_process.h"
-#include "tests/loopback_client.h"
+#include "child_process.h"
+#include "loopback_client.h"
 
 namespace Orvane::simulator {
 namespace {

@@ -9,8 +9,8 @@
 #include <system_error>
 #include <thread>
 
+#include "loopback_client.h"
 #include "orvane/simulator/simulator.h"
-#include "tests/loopback_client.h"
 
 namespace Orvane::simulator {
 namespace {

@@ -75,10 +75,8 @@ HttpResponse Connection::RoundTrip(const wire::Request& request, Deadline deadli
   // A server may refuse a request without reading all of it, so a failed send does not mean that there is no answer.
   try {
     return ReadResponse(deadline);
-  } catch (const CIMClientHTTPErrorException&) {
-    stream_.reset();
-    throw;
-  } catch (const CIMClientMalformedHTTPException&) {
+  } catch (...) {
+    // Whatever ended the reading left the stream in the middle of an answer, which the next request must not meet.
     stream_.reset();
     throw;
   }
