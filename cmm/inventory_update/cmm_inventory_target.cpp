@@ -1,5 +1,6 @@
 // The lookup of the CIM instance that an update, a reboot or a reseat acts on. It tells a CMM's primacy from its
 // enabled state, unlike the CMM collection; both tests are meant as they are.
+#include <algorithm>
 #include <array>
 
 #include "cmm/inventory_update/cim_names.h"
@@ -18,24 +19,10 @@ namespace {
 
 constexpr char kLogSource[] = "cmm/inventory_update/cmm_inventory_target";
 
-struct StatusName {
-  Pegasus::CIMStatusCode code;
-  const char* name;
-};
 // The statuses that the lookup names in the log; it is silent about every other one.
-constexpr std::array<StatusName, 5> kStatusNames = {{
-    {Pegasus::CIM_ERR_FAILED, "CIM_ERR_FAILED"},
-    {Pegasus::CIM_ERR_ACCESS_DENIED, "CIM_ERR_ACCESS_DENIED"},
-    {Pegasus::CIM_ERR_INVALID_PARAMETER, "CIM_ERR_INVALID_PARAMETER"},
-    {Pegasus::CIM_ERR_INVALID_CLASS, "CIM_ERR_INVALID_CLASS"},
-    {Pegasus::CIM_ERR_NOT_SUPPORTED, "CIM_ERR_NOT_SUPPORTED"},
-}};
-
-// "node03" for bay 3, "node10" for bay 10.
-std::string NodeName(int bayId) {
-  const bool oneDigit = bayId >= 1 && bayId <= 9;
-  return (oneDigit ? "node0" : "node") + std::to_string(bayId);
-}
+constexpr std::array<Pegasus::CIMStatusCode, 5> kNamedStatuses = {
+    Pegasus::CIM_ERR_FAILED, Pegasus::CIM_ERR_ACCESS_DENIED, Pegasus::CIM_ERR_INVALID_PARAMETER,
+    Pegasus::CIM_ERR_INVALID_CLASS, Pegasus::CIM_ERR_NOT_SUPPORTED};
 
 }  // namespace
 
@@ -58,10 +45,9 @@ CIMInstance CMMTarnInventoryImp::GetTargetInstance(int bayId, int mode) {
         return {};
     }
   } catch (const Pegasus::CIMException& error) {
-    for (const StatusName& status : kStatusNames) {
-      if (status.code == error.getCode()) {
-        ORVANE_LOG(kLogError) << status.name;
-      }
+    const bool named = std::find(kNamedStatuses.begin(), kNamedStatuses.end(), error.getCode()) != kNamedStatuses.end();
+    if (named) {
+      ORVANE_LOG(kLogError) << StatusName(error.getCode());
     }
   } catch (const Pegasus::Exception& error) {
     ORVANE_LOG(kLogError) << ErrorText(error);

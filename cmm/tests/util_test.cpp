@@ -125,5 +125,42 @@ TEST(GetFirstPropertyValue, LogsAnExceptionAndIsNull) {
   EXPECT_EQ(log.Records()[0].file, "cmm/inventory_update/cmm_peg_client");
 }
 
+TEST(TwoDigits, WritesAZeroBelowTen) {
+  EXPECT_EQ(TwoDigits(3), "03");
+  EXPECT_EQ(TwoDigits(0), "00");
+  EXPECT_EQ(TwoDigits(10), "10");
+  EXPECT_EQ(TwoDigits(123), "123");
+}
+
+TEST(NodeName, HasAZeroForBays1To9Only) {
+  EXPECT_EQ(NodeName(1), "node01");
+  EXPECT_EQ(NodeName(9), "node09");
+  EXPECT_EQ(NodeName(0), "node0");
+  EXPECT_EQ(NodeName(10), "node10");
+  EXPECT_EQ(NodeName(-1), "node-1");
+}
+
+TEST(StatusName, IsThatOfDmtfOrNothing) {
+  EXPECT_STREQ(StatusName(Pegasus::CIM_ERR_FAILED), "CIM_ERR_FAILED");
+  EXPECT_STREQ(StatusName(Pegasus::CIM_ERR_METHOD_NOT_FOUND), "CIM_ERR_METHOD_NOT_FOUND");
+  EXPECT_STREQ(StatusName(Pegasus::CIM_ERR_NO_SUCH_PROPERTY), "");
+}
+
+TEST(JobIdOf, CutsTheFirstKeyOutOfAReference) {
+  EXPECT_EQ(JobIdOf("root/cimv2:CIM_ConcreteJob.InstanceID=\"JOB_17\""), "JOB_17");
+  EXPECT_EQ(JobIdOf("CIM_ConcreteJob.InstanceID=\"JOB_17\",Name=\"n\""), "JOB_17");
+}
+
+TEST(JobIdOf, BeginsAtTheSecondCharacterWithoutAnEqualsSign) { EXPECT_EQ(JobIdOf("\"JOB_17\""), "JOB_17"); }
+
+TEST(JobIdOf, RunsToTheEndWithoutAQuote) { EXPECT_EQ(JobIdOf("CIM_ConcreteJob.InstanceID='JOB_17"), "JOB_17"); }
+
+TEST(JobIdOf, IsEmptyForTextsThatHoldNone) {
+  EXPECT_EQ(JobIdOf(""), "");
+  EXPECT_EQ(JobIdOf("x"), "");
+  EXPECT_EQ(JobIdOf("InstanceID="), "");
+  EXPECT_EQ(JobIdOf("InstanceID=\""), "");
+}
+
 }  // namespace
 }  // namespace Orvane

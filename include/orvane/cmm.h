@@ -1,6 +1,11 @@
-// The public interface of the chassis library: inventory records, the inventory itself and the progress callback.
-// It needs nothing but the standard library and Boost's shared_ptr; the CIM client stays behind it.
+// The public interface of the chassis library: inventory records and the inventory itself, the progress callback, and
+// the operations that update, reboot and reseat the parts of a chassis.
+// It needs the standard library, Boost's shared_ptr and, for the lookups of the blade reseat, two headers of the CIM
+// client.
 #pragma once
+
+#include <Pegasus/Common/CIMInstance.h>
+#include <Pegasus/Common/CIMStatusCode.h>
 
 #include <boost/shared_ptr.hpp>
 #include <cstddef>
@@ -11,10 +16,17 @@
 
 #define ORVANE_EXPORT __attribute__((visibility("default")))
 
+namespace Pegasus {
+class CIMClient;
+}
+
 namespace Orvane {
 
 class CMMInventory;
 class CMMTarnInventoryImp;
+class SwitchIOUpdateByCIM;
+class TarnPassThruUpdate;
+class TarnUpdate;
 
 /// Vital product data of one physical package. The name is spelt with a small L before "nfo".
 struct ORVANE_EXPORT Physicallnfo {
@@ -279,5 +291,143 @@ class ORVANE_EXPORT CMMInventory {
  private:
   std::unique_ptr<CMMTarnInventoryImp> imp_;
 };
+
+/// What CMMReboot() does once the reboot has been asked for.
+enum CMMRebootFlag {
+  CMM_REBOOT_WAIT = 0,   ///< wait until the CMM accepts a connection again
+  CMM_REBOOT_NOWAIT = 1  ///< return as soon as the CMM was seen to go down, or did not go down within two minutes
+};
+
+/// Restarts the primary CMM. Prints up to two progress lines to standard output.
+/// @param port  as for CMMInventory
+/// @return  0  asked for and, with CMM_REBOOT_WAIT, the CMM answered again
+///          1  no connection, or the CMM did not answer again within 4000 seconds
+///          2  the CMM's capabilities could not be read
+///          7  no primary CMM
+///          9  the CMM does not offer the restart
+/// @throws Pegasus::Exception when the CMM gives no return value or has no capabilities. Thread-safe.
+ORVANE_EXPORT int CMMReboot(const std::string& host, unsigned short port, const std::string& user,
+                            const std::string& password, CMMRebootFlag flag);
+
+/// Updates the firmware of the primary CMM from a package that the CMM fetches itself.
+/// One thread at a time may use an object; every call blocks until it is done.
+class ORVANE_EXPORT CMMUpdate {
+ public:
+  enum CMMUpdateOption {
+    CMM_UPDATE_REBOOT = 0,    ///< install, reboot the CMM and wait until it answers again
+    CMM_UPDATE_NO_REBOOT = 1  ///< install only
+  };
+
+  /// Keeps the values and connects to nothing yet.
+  /// @param packageURI  where the CMM fetches the package; passed on unchanged
+  CMMUpdate(const std::string& host, unsigned short port, const std::string& user, const std::string& password,
+            const std::string& packageURI);
+  ~CMMUpdate();
+  CMMUpdate(const CMMUpdate&) = delete;
+  CMMUpdate& operator=(const CMMUpdate&) = delete;
+
+  /// Installs the package and follows its job to the end, for hours if need be.
+  /// @return  0  installed and, with CMM_UPDATE_REBOOT, the CMM answered again
+  ///          1  no connection, at any stage
+  ///          2  the installation failed, or its service could not be read
+  ///          6  the CMM started no job
+  ///          7  no primary CMM, or no job could be read
+  ///          8  the job still ran after 1000 polls
+  ///          or what CMMReboot() gave
+  int Apply(CMMUpdateOption option);
+
+  /// CMMReboot() with CMM_REBOOT_WAIT.
+  int Reboot();
+
+  /// @param callback  receives the progress texts from now on; null for none. Borrowed: keep it alive.
+  void SetLogCallBack(LogMessageCallBack* callback);
+
+ private:
+  std::unique_ptr<TarnUpdate> imp_;
+};
+
+/// Updates, activates, reboots, reseats and checks the I/O-module switch of one bay. Copies share one object.
+/// One thread at a time may use an object and its copies; every call blocks until it is done.
+class ORVANE_EXPORT SwitchIOModuleUpdate {
+ public:
+  /// Keeps the values and connects to nothing yet.
+  /// @param pkgFileURI1  the first, or only, package
+  /// @param pkgFileURI2  the second package; empty when there is none
+  /// @param bay          I/O bay of the switch
+  SwitchIOModuleUpdate(const std::string& host, const std::string& user, const std::string& password,
+                       unsigned short port, const std::string& pkgFileURI1, const std::string& pkgFileURI2, int bay);
+  ~SwitchIOModuleUpdate();
+  SwitchIOModuleUpdate(const SwitchIOModuleUpdate&);
+  SwitchIOModuleUpdate& operator=(const SwitchIOModuleUpdate&);
+
+  int StartUpdate();
+  int UpdateFirmware();
+  int ActivateImage(int bay);
+  int CheckDeferedUpdateSupported(int bay);
+  int EHCMCheck(int bay);
+  int CheckIfRebootSuccess(int bay);
+  int Reboot(int bay);
+  int Reseat(int bay);
+  void SetLogCallBack(LogMessageCallBack* cb);
+
+ private:
+  std::shared_ptr<SwitchIOUpdateByCIM> imp_;
+};
+
+/// Updates, reboots, reseats and checks the pass-through module of one bay. Copies share one object.
+/// One thread at a time may use an object and its copies; every call blocks until it is done.
+class ORVANE_EXPORT SwitchPassThruUpdate {
+ public:
+  /// Keeps the values and connects to nothing yet.
+  /// @param packageURI  where the CMM fetches the package; passed on unchanged
+  /// @param bay         I/O bay of the module
+  SwitchPassThruUpdate(const std::string& host, const std::string& user, const std::string& password,
+                       unsigned short port, const std::string& packageURI, int bay);
+  ~SwitchPassThruUpdate();
+  SwitchPassThruUpdate(const SwitchPassThruUpdate&);
+  SwitchPassThruUpdate& operator=(const SwitchPassThruUpdate&);
+
+  int StartUpdate();
+  int Reboot(int bay);
+  int Reseat(int bay);
+  int CheckIfRebootSuccess(int bay);
+  void SetLogCallBack(LogMessageCallBack* cb);
+
+ private:
+  std::shared_ptr<TarnPassThruUpdate> imp_;
+};
+
+/// Reseats (power-cycles) compute nodes through the CMM's power management service. Copies share client and inventory.
+class ORVANE_EXPORT Cmm_Blade_Reseat {
+ public:
+  Cmm_Blade_Reseat(const std::string& host, unsigned int port, const std::string& user, const std::string& password,
+                   int unused);
+  ~Cmm_Blade_Reseat();
+  Cmm_Blade_Reseat(const Cmm_Blade_Reseat&);
+  Cmm_Blade_Reseat& operator=(const Cmm_Blade_Reseat&);
+
+  int ReseatBlade(int bay);
+  int GetManagedElementREF(std::string nodeName, Pegasus::CIMInstance& element);
+  int GetAvailableRequestedPowerStates(std::string nodeName, std::string& states);
+  int ParseError(const Pegasus::CIMStatusCode& code);
+
+ private:
+  std::shared_ptr<Pegasus::CIMClient> client_;
+  std::shared_ptr<CMMTarnInventoryImp> inventory_;
+  std::string host_;
+  unsigned int port_;
+  std::string user_;
+  std::string password_;
+  int unused_;
+};
+
+/// The code of a failed installation job's status text, 0 when no known failure stands in it. Thread-safe.
+ORVANE_EXPORT int CheckUpdateErrorCode(const std::string& status);
+
+/// The text of a code of CMMUpdate::Apply() or CMMReboot(). Thread-safe.
+ORVANE_EXPORT std::string GetUpdateResultMessage(unsigned int code);
+
+/// The text of a code in the 200 range; "Unknown Error" for every other one. Thread-safe.
+ORVANE_EXPORT std::string GetUpdateErrorMessage(int code);
 
 }  // namespace Orvane
