@@ -46,7 +46,7 @@ TESTS_ALLOWED = {"testing", "logger", "platform"}
 # Folders below a room whose headers are included by a path that starts in the room itself ("wire/request.h").
 ROOM_FOLDERS = {
     "pegasus": {"base", "objects", "wire", "transport", "client"},
-    "simulator": {"cim", "model", "server", "wire", "program"},
+    "simulator": {"behaviour", "cim", "faults", "model", "server", "wire", "program"},
 }
 
 

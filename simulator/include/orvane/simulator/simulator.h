@@ -8,6 +8,8 @@
 #include <string>
 #include <utility>
 
+#include "orvane/simulator/clock.h"
+
 namespace Orvane::simulator {
 
 class ObjectStore;
@@ -48,6 +50,8 @@ struct Options {
   std::string address = "127.0.0.1";
   /// False: requests are served without asking for a user.
   bool authentication = true;
+  /// The time that the chassis lives in; null means real time. One clock may serve several simulators.
+  std::shared_ptr<Clock> clock;
 };
 
 /// A running CIM server. All members may be called from any thread.
