@@ -37,7 +37,9 @@ int Listen(const std::string& address, std::uint16_t& port) {
   sockaddr_in6 six{};
   sockaddr_in four{};
   six.sin6_family = AF_INET6;
+  six.sin6_port = htons(port);
   four.sin_family = AF_INET;
+  four.sin_port = htons(port);
   const int known = ipv6 ? ::inet_pton(AF_INET6, address.c_str(), &six.sin6_addr)
                          : ::inet_pton(AF_INET, address.c_str(), &four.sin_addr);
   if (known != 1) Fail("no address: " + address);
@@ -45,7 +47,9 @@ int Listen(const std::string& address, std::uint16_t& port) {
   socklen_t length = ipv6 ? sizeof(six) : sizeof(four);
   const int listener = ::socket(ipv6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   constexpr int kBacklog = 16;
-  if (listener < 0 || ::bind(listener, place, length) != 0 || ::listen(listener, kBacklog) != 0 ||
+  const int on = 1;  // a server may come back on the port of one that has just gone
+  if (listener < 0 || ::setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on)) != 0 ||
+      ::bind(listener, place, length) != 0 || ::listen(listener, kBacklog) != 0 ||
       ::getsockname(listener, place, &length) != 0) {
     const std::string reason = std::strerror(errno);
     if (listener >= 0) ::close(listener);
@@ -90,6 +94,7 @@ struct RawServer::Tls {
     if (options.maxTls != 0 && options.maxTls < TLS1_2_VERSION) SSL_CTX_set_security_level(context.get(), 0);
     if (options.minTls != 0) SSL_CTX_set_min_proto_version(context.get(), options.minTls);
     if (options.maxTls != 0) SSL_CTX_set_max_proto_version(context.get(), options.maxTls);
+    UseSessions(options);
     UseChain(options.certificate.certificatePem);
     const std::unique_ptr<BIO, decltype(&BIO_free)> text(
         BIO_new_mem_buf(options.certificate.privateKeyPem.data(),
@@ -98,6 +103,23 @@ struct RawServer::Tls {
     const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key(
         PEM_read_bio_PrivateKey(text.get(), nullptr, nullptr, nullptr), &EVP_PKEY_free);
     if (!key || SSL_CTX_use_PrivateKey(context.get(), key.get()) != 1) Fail("unusable key");
+  }
+
+  void UseSessions(const RawServerOptions& options) const {
+    const bool resumes = options.sessions == SessionPolicy::kResume;
+    SSL_CTX_set_session_cache_mode(context.get(), resumes ? SSL_SESS_CACHE_SERVER : SSL_SESS_CACHE_OFF);
+    if (!resumes || !options.tickets) SSL_CTX_set_options(context.get(), SSL_OP_NO_TICKET);
+    if (!resumes) SSL_CTX_set_num_tickets(context.get(), 0);
+    if (options.sessions == SessionPolicy::kBreakOff) SSL_CTX_set_client_hello_cb(context.get(), &BreakOff, nullptr);
+  }
+
+  /// Refuses a client's first message that offers a session by a ticket, of TLS 1.2 or of 1.3.
+  static int BreakOff(SSL* ssl, int* /*alert*/, void* /*unused*/) {
+    const unsigned char* bytes = nullptr;
+    std::size_t size = 0;
+    const bool preshared = SSL_client_hello_get0_ext(ssl, TLSEXT_TYPE_psk, &bytes, &size) == 1;
+    const bool ticket = SSL_client_hello_get0_ext(ssl, TLSEXT_TYPE_session_ticket, &bytes, &size) == 1 && size > 0;
+    return preshared || ticket ? SSL_CLIENT_HELLO_ERROR : SSL_CLIENT_HELLO_SUCCESS;
   }
 
   void UseChain(const std::string& pem) const {
@@ -125,6 +147,8 @@ class RawServer::Peer {
   ~Peer() { Close(); }
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;
+
+  bool ResumedSession() const { return SSL_session_reused(ssl_.get()) == 1; }
 
   bool AcceptTls(SSL_CTX* context) {
     ssl_.reset(SSL_new(context));
@@ -237,6 +261,7 @@ class RawServer::Peer {
 
 RawServer::RawServer(RawServerOptions options) : options_(std::move(options)) {
   if (!options_.certificate.certificatePem.empty()) tls_ = std::make_unique<Tls>(options_);
+  port_ = options_.port;
   listener_ = Listen(options_.address, port_);
   acceptor_ = std::thread([this] { Accept(); });
 }
@@ -300,9 +325,16 @@ std::size_t ContentLength(const std::string& head) {
 
 }  // namespace
 
+bool RawServer::StartTls(Peer& peer) {
+  if (!tls_) return true;
+  if (!peer.AcceptTls(tls_->context.get())) return false;
+  ++(peer.ResumedSession() ? resumedHandshakes_ : fullHandshakes_);
+  return true;
+}
+
 void RawServer::Serve(Peer& peer) {
   std::string received;
-  bool open = (!tls_ || peer.AcceptTls(tls_->context.get())) && Play(peer, options_.onConnect, {});
+  bool open = StartTls(peer) && Play(peer, options_.onConnect, {});
   while (open) {
     std::size_t headEnd = received.find("\r\n\r\n");
     while (headEnd == std::string::npos && (open = peer.Read(received))) headEnd = received.find("\r\n\r\n");

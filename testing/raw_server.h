@@ -44,14 +44,26 @@ struct RawAction {
 
 using RawActions = std::vector<RawAction>;
 
+/// What a TLS server does with the session that a client offers.
+enum class SessionPolicy {
+  kResume,    ///< resumes it: tickets, and identifiers for TLS 1.2
+  kForget,    ///< knows none and gives none
+  kBreakOff,  ///< knows none and breaks off the handshake
+};
+
 struct RawServerOptions {
   /// Numeric address of the loopback interface.
   std::string address = "127.0.0.1";
+  /// 0: the system picks one.
+  std::uint16_t port = 0;
   /// PEM certificate chain and key; empty for a plain server.
   Certificate certificate;
   /// 0x0303 for TLS 1.2, 0x0304 for TLS 1.3; 0 leaves the bound open.
   int minTls = 0;
   int maxTls = 0;
+  SessionPolicy sessions = SessionPolicy::kResume;
+  /// False: TLS 1.2 sessions are known by identifiers only.
+  bool tickets = true;
   /// Done on every connection before its first request is read.
   RawActions onConnect;
   /// What is done per request received, over all connections; behind its end the server keeps silent.
@@ -83,6 +95,9 @@ class RawServer {
   /// Connections accepted so far.
   unsigned Connections() const;
   std::vector<RawRequest> Requests() const;
+  /// TLS handshakes that succeeded with a certificate shown, and those that resumed a session.
+  unsigned FullHandshakes() const { return fullHandshakes_; }
+  unsigned ResumedHandshakes() const { return resumedHandshakes_; }
   /// Waits until that many connections have been accepted: a client may have connected before the server has noticed.
   /// False when that takes longer than `wait`.
   bool WaitForConnections(unsigned count, std::chrono::milliseconds wait) const;
@@ -92,6 +107,7 @@ class RawServer {
   class Peer;
 
   void Accept();
+  bool StartTls(Peer& peer);
   void Serve(Peer& peer);
   bool Play(Peer& peer, const RawActions& actions, const std::string& messageId);
   bool PlayOne(Peer& peer, const RawAction& action, const std::string& messageId);
@@ -102,6 +118,8 @@ class RawServer {
   int listener_ = -1;
   std::uint16_t port_ = 0;
   std::atomic<bool> listening_{true};
+  std::atomic<unsigned> fullHandshakes_{0};
+  std::atomic<unsigned> resumedHandshakes_{0};
 
   mutable std::mutex mutex_;
   mutable std::condition_variable changed_;

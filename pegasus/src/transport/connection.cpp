@@ -71,12 +71,13 @@ HttpResponse Connection::RoundTrip(const wire::Request& request, Deadline deadli
   std::string bytes =
       BuildHead(request, {target_->endpoint.host, target_->endpoint.port, cookie_, authentication_.HeaderValue()});
   bytes += request.body;
-  if (stream_->Write(bytes, deadline) == IoStatus::kTimeout) FailByTimeout();
-  // A server may refuse a request without reading all of it, so a failed send does not mean that there is no answer.
   try {
+    // A server may refuse a request without reading all of it, so a failed send does not mean that there is no answer.
+    if (stream_->Write(bytes, deadline) == IoStatus::kTimeout) FailByTimeout();
     return ReadResponse(deadline);
   } catch (...) {
-    // Whatever ended the reading left the stream in the middle of an answer, which the next request must not meet.
+    // Whatever ended the exchange left the stream in the middle of a request or an answer, which the next request must
+    // not meet.
     stream_.reset();
     throw;
   }

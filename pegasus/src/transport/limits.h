@@ -1,5 +1,5 @@
 // The bounds that keep a hostile or broken server from taking more memory than its answer is worth.
-// Every limit of the HTTP reader stands here and nowhere else.
+// Every limit of the transport stands here and nowhere else.
 #pragma once
 
 #include <chrono>
@@ -21,5 +21,7 @@ constexpr std::size_t kErrorBodyBytes = 1024U * 1024U;
 constexpr std::chrono::milliseconds kErrorBodyWait{2000};
 /// Bytes asked of the socket at a time.
 constexpr std::size_t kReadBytes = 64U * 1024U;
+/// TLS sessions that a process keeps for later connects, one for each host, port and verification callback.
+constexpr std::size_t kTlsSessions = 64;
 
 }  // namespace Pegasus::transport::limits

@@ -49,10 +49,15 @@ std::unique_ptr<TcpStream> ConnectTcp(const Endpoint& endpoint, std::uint32_t ti
 
 std::unique_ptr<Stream> OpenStream(const Endpoint& endpoint, const SSLContext* tls, std::uint32_t timeout) {
   try {
-    std::unique_ptr<TcpStream> tcp = ConnectTcp(endpoint, timeout);
-    if (tls == nullptr) return tcp;
-    auto stream = std::make_unique<TlsStream>(std::move(tcp), *tls);
-    if (stream->Handshake(timeout) != IoStatus::kOk) ThrowCannotConnect(endpoint);
+    if (tls == nullptr) return ConnectTcp(endpoint, timeout);
+    auto stream = std::make_unique<TlsStream>(ConnectTcp(endpoint, timeout), endpoint, *tls);
+    IoStatus status = stream->Handshake(timeout);
+    if (status == IoStatus::kClosed && stream->FailedOverSession()) {
+      // The failed handshake has forgotten the session, so this one is a full one.
+      stream = std::make_unique<TlsStream>(ConnectTcp(endpoint, timeout), endpoint, *tls);
+      status = stream->Handshake(timeout);
+    }
+    if (status != IoStatus::kOk) ThrowCannotConnect(endpoint);
     return stream;
   } catch (const boost::system::system_error&) {
     // Asio throws where the process has no descriptor left for a connection.

@@ -6,6 +6,8 @@
 #include <openssl/x509_vfy.h>
 #include <sys/stat.h>
 
+#include <new>
+
 #include "transport/certificate_info.h"
 #include "transport/text.h"
 
@@ -26,15 +28,31 @@ int CallbackIndex() {
   return index;
 }
 
+TlsCallbacks* CallbacksOf(const SSL* ssl) { return static_cast<TlsCallbacks*>(SSL_get_ex_data(ssl, CallbackIndex())); }
+
+/// Keeps a session for later connects. With TLS 1.3 it comes only after the handshake, with the first answer.
+/// @return 1 when the reference to the session was taken over
+int KeepSession(SSL* ssl, SSL_SESSION* session) {
+  const TlsCallbacks* callbacks = CallbacksOf(ssl);
+  if (callbacks == nullptr || SSL_SESSION_is_resumable(session) != 1) return 0;
+  SSL_SESSION_up_ref(session);
+  try {
+    callbacks->sessions->Put(*callbacks->key, SslSessionPointer(session));
+  } catch (const std::bad_alloc&) {
+    // Nothing is lost but the time of a full handshake.
+  }
+  return 0;
+}
+
 /// Hands every result of OpenSSL's own check to the user's function, whose word is final.
 int VerifyCertificate(int passed, X509_STORE_CTX* context) {
   auto* ssl = static_cast<SSL*>(X509_STORE_CTX_get_ex_data(context, SSL_get_ex_data_X509_STORE_CTX_idx()));
-  const auto* callback =
-      ssl == nullptr ? nullptr : static_cast<const SSLCallbackInfo*>(SSL_get_ex_data(ssl, CallbackIndex()));
-  if (callback == nullptr) return passed;
+  TlsCallbacks* callbacks = ssl == nullptr ? nullptr : CallbacksOf(ssl);
+  if (callbacks == nullptr) return passed;
+  callbacks->sawCertificate = true;
   try {
     SSLCertificateInfo info = CertificateInfoFactory::Make(context, passed);
-    return callback->GetVerifyFunction()(info) ? 1 : 0;
+    return callbacks->verification->GetVerifyFunction()(info) ? 1 : 0;
   } catch (...) {
     // No exception can travel through OpenSSL's frames; a judge that fails has not said yes.
     return 0;
@@ -85,7 +103,8 @@ SslContextPointer MakeSslContext(const SSLContext& settings) {
   SslContextPointer context(SSL_CTX_new(TLS_client_method()));
   if (!context) ThrowUnusable("Could not get SSL CTX", String());
   SSL_CTX_set_min_proto_version(context.get(), TLS1_2_VERSION);
-  SSL_CTX_set_session_cache_mode(context.get(), SSL_SESS_CACHE_OFF);
+  SSL_CTX_set_session_cache_mode(context.get(), SSL_SESS_CACHE_CLIENT | SSL_SESS_CACHE_NO_INTERNAL);
+  SSL_CTX_sess_set_new_cb(context.get(), &KeepSession);
   SSL_CTX_set_quiet_shutdown(context.get(), 1);
   LoadTrustStore(context.get(), settings.getTrustStore());
   LoadOwnCertificate(context.get(), settings.getCertPath(), settings.getKeyPath());
@@ -96,12 +115,16 @@ SslContextPointer MakeSslContext(const SSLContext& settings) {
   return context;
 }
 
-SslPointer MakeSsl(SSL_CTX* context, SSLCallbackInfo& callback) {
+SslPointer MakeSsl(SSL_CTX* context, TlsCallbacks& callbacks) {
   SslPointer ssl(SSL_new(context));
-  if (!ssl || SSL_set_ex_data(ssl.get(), CallbackIndex(), &callback) != 1) {
+  if (!ssl || SSL_set_ex_data(ssl.get(), CallbackIndex(), &callbacks) != 1) {
     ThrowUnusable("Could not make an SSL connection", String());
   }
   SSL_set_connect_state(ssl.get());
+  if (const SslSessionPointer session = callbacks.sessions->Find(*callbacks.key)) {
+    // A session that OpenSSL does not take leads to a full handshake.
+    if (SSL_set_session(ssl.get(), session.get()) != 1) ERR_clear_error();
+  }
   return ssl;
 }
 

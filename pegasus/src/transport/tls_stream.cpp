@@ -12,12 +12,16 @@
 
 namespace Pegasus::transport {
 
-TlsStream::TlsStream(std::unique_ptr<TcpStream> tcp, const SSLContext& settings)
+TlsStream::TlsStream(std::unique_ptr<TcpStream> tcp, const Endpoint& endpoint, const SSLContext& settings)
     : tcp_(std::move(tcp)),
       settings_(settings),
-      callback_(settings_.getSSLCertificateVerifyFunction(), settings_.getCRLStore()),
+      verification_(settings_.getSSLCertificateVerifyFunction(), settings_.getCRLStore()),
+      key_(endpoint, settings_),
+      sessions_(TlsSessionCache::OfProcess()),
+      callbacks_{&verification_, sessions_.get(), &key_, false},
       context_(MakeSslContext(settings_)),
-      ssl_(MakeSsl(context_.get(), callback_)),
+      ssl_(MakeSsl(context_.get(), callbacks_)),
+      offered_(SSL_get_session(ssl_.get()) != nullptr),
       incoming_(BIO_new(BIO_s_mem())),
       outgoing_(BIO_new(BIO_s_mem())),
       buffer_(limits::kReadBytes) {
@@ -26,6 +30,11 @@ TlsStream::TlsStream(std::unique_ptr<TcpStream> tcp, const SSLContext& settings)
   if (incoming_ == nullptr || outgoing_ == nullptr) {
     throw SSLException(String("Could not make an SSL connection."));
   }
+}
+
+TlsStream::~TlsStream() {
+  // Sends nothing (shutdown is quiet), but lets the session be resumed, which a connection that just ends may not.
+  if (SSL_is_init_finished(ssl_.get()) == 1) SSL_shutdown(ssl_.get());
 }
 
 IoStatus TlsStream::Flush(Deadline deadline) {
@@ -58,7 +67,9 @@ IoStatus TlsStream::Handshake(std::uint32_t timeout) {
     const int result = SSL_do_handshake(ssl_.get());
     if (result == 1) return Flush(Deadline::After(timeout));
     const IoStatus status = Resume(result, Deadline::After(timeout));
-    if (status != IoStatus::kOk) return status;
+    if (status == IoStatus::kOk) continue;
+    sessions_->Drop(key_);
+    return status;
   }
 }
 

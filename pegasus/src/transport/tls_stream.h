@@ -17,11 +17,18 @@ namespace Pegasus::transport {
 
 class TlsStream : public Stream {
  public:
+  /// @param endpoint what `tcp` is connected to
   /// @throws SSLException when the files that `settings` names cannot be used
-  TlsStream(std::unique_ptr<TcpStream> tcp, const SSLContext& settings);
+  TlsStream(std::unique_ptr<TcpStream> tcp, const Endpoint& endpoint, const SSLContext& settings);
+  ~TlsStream() override;
 
+  /// Offers the session of an earlier connection to the same server, if there is one. A handshake that fails forgets
+  /// that session.
   /// @param timeout milliseconds for each wait
   IoStatus Handshake(std::uint32_t timeout);
+  /// After a failed handshake: the server broke off before it showed a certificate, although a session was offered, so
+  /// that it may well accept a full handshake.
+  bool FailedOverSession() const { return offered_ && !callbacks_.sawCertificate; }
 
   IoStatus Write(std::string_view bytes, Deadline deadline) override;
   IoStatus Read(char* buffer, std::size_t size, std::size_t& count, Deadline deadline) override;
@@ -37,9 +44,13 @@ class TlsStream : public Stream {
 
   std::unique_ptr<TcpStream> tcp_;
   SSLContext settings_;
-  SSLCallbackInfo callback_;
+  SSLCallbackInfo verification_;
+  TlsSessionKey key_;
+  std::shared_ptr<TlsSessionCache> sessions_;
+  TlsCallbacks callbacks_;
   SslContextPointer context_;
   SslPointer ssl_;
+  bool offered_;
   BIO* incoming_ = nullptr;
   BIO* outgoing_ = nullptr;
   std::vector<char> buffer_;
