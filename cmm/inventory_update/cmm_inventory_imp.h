@@ -60,6 +60,9 @@ class CMMTarnInventoryImp {
   /// @return an uninitialised instance when nothing was found, and on any failure.
   Pegasus::CIMInstance GetTargetInstance(int bayId, int mode);
 
+  /// As GetTargetInstance(), but lets the exceptions of the requests pass and logs nothing for them.
+  Pegasus::CIMInstance GetTargetInstanceOrThrow(int bayId, int mode);
+
   // The collectors below work on an open connection. They return 0 on success, 3 when nothing is associated or on a CIM
   // error, 4 on any other error; what was filled before an error stays.
 

@@ -26,24 +26,28 @@ constexpr std::array<Pegasus::CIMStatusCode, 5> kNamedStatuses = {
 
 }  // namespace
 
-CIMInstance CMMTarnInventoryImp::GetTargetInstance(int bayId, int mode) {
+CIMInstance CMMTarnInventoryImp::GetTargetInstanceOrThrow(int bayId, int mode) {
   const SessionCloser closer(*client_);
-  try {
-    if (!Connect()) {
-      ORVANE_LOG(kLogError) << kConnectionFailed;
+  if (!Connect()) {
+    ORVANE_LOG(kLogError) << kConnectionFailed;
+    return {};
+  }
+  switch (mode) {
+    case kTargetPrimaryCmm:
+      return FindPrimaryCmm();
+    case kTargetIOModule:
+    case kTargetPassThru:
+      return FindModuleInBay(bayId, mode);
+    case kTargetBladePower:
+      return FindBladePowerService(bayId);
+    default:
       return {};
-    }
-    switch (mode) {
-      case kTargetPrimaryCmm:
-        return FindPrimaryCmm();
-      case kTargetIOModule:
-      case kTargetPassThru:
-        return FindModuleInBay(bayId, mode);
-      case kTargetBladePower:
-        return FindBladePowerService(bayId);
-      default:
-        return {};
-    }
+  }
+}
+
+CIMInstance CMMTarnInventoryImp::GetTargetInstance(int bayId, int mode) {
+  try {
+    return GetTargetInstanceOrThrow(bayId, mode);
   } catch (const Pegasus::CIMException& error) {
     const bool named = std::find(kNamedStatuses.begin(), kNamedStatuses.end(), error.getCode()) != kNamedStatuses.end();
     if (named) {

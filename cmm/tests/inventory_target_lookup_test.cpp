@@ -208,6 +208,14 @@ TEST_F(TargetLookup, AnErrorWithoutAStatusIsLoggedWithItsText) {
   EXPECT_TRUE(server.WaitUntilAllClosed());
 }
 
+TEST_F(TargetLookup, TheOtherFormLetsErrorsPassAndClosesItsConnection) {
+  server.OnEnumerate("CIM_Slot", CimError(2, "no"), Close());
+  EXPECT_THROW(imp.GetTargetInstanceOrThrow(3, 1), Pegasus::CIMException);
+  EXPECT_THROW(imp.GetTargetInstanceOrThrow(3, 1), Pegasus::CIMClientMalformedHTTPException);
+  EXPECT_THAT(Lines(), ElementsAre(ConnectLine(), ConnectLine())) << "no line of its own";
+  EXPECT_TRUE(server.WaitUntilAllClosed());
+}
+
 TEST_F(TargetLookup, SlotNumbersAreReadLeniently) {
   server.OnEnumerate("CIM_Slot", Objects({Slot("iomodule-a", " 2x"), Slot("iomodule-b", "none")}));
   server.OnAssociatorNames("", kPackageInSlot, kPhysicalPackage, Objects({Package("p")}));
