@@ -120,7 +120,7 @@ bool Authentication::Allows(std::string_view authorization) const {
   return sent && (SameSecret(*sent, credentials_) || SameSecret(*sent, latin1Credentials_));
 }
 
-HttpReply AnswerHttp(const HttpRequest& request, const Authentication& authentication, Operations& operations) {
+HttpReply AnswerHttp(const HttpRequest& request, const Authentication& authentication, const Answerer& answer) {
   if (!authentication.Allows(request.authorization)) {
     HttpReply reply = Refuse(kUnauthorized);
     reply.challenge = true;
@@ -134,9 +134,7 @@ HttpReply AnswerHttp(const HttpRequest& request, const Authentication& authentic
   try {
     const Request call = ReadRequest(request.body);
     if (!HeadersAgree(request, call)) return Refuse(kBadRequest, "header-mismatch");
-    HttpReply reply;
-    reply.body = operations.Answer(call);
-    return reply;
+    return answer(call);
   } catch (const BadRequest& error) {
     return Refuse(error.HttpStatus(), error.CimErrorHeader());
   }

@@ -234,6 +234,11 @@ void RequireNameSpace(const Request& request) {
   }
 }
 
+std::string WholeAnswer(const Request& request, const std::string& content) {
+  const auto write = request.isIntrinsic ? WriteIntrinsicAnswer : WriteExtrinsicAnswer;
+  return write(request.messageId, request.name, [&content](std::string& out) { out += content; });
+}
+
 }  // namespace
 
 Operations::Operations(ObjectStore store, std::string host) : store_(std::move(store)), host_(std::move(host)) {}
@@ -250,7 +255,7 @@ std::uint64_t Operations::Count(const std::string& operation) const {
 
 std::string Operations::Answer(const Request& request) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  ++counts_[request.isIntrinsic ? request.name : "InvokeMethod"];
+  CountCall(request);
   std::string content;
   try {
     RequireNameSpace(request);
@@ -269,9 +274,18 @@ std::string Operations::Answer(const Request& request) {
     content.clear();
     AppendError(content, static_cast<int>(CimStatus::kFailed), error.what());
   }
-  const auto write = request.isIntrinsic ? WriteIntrinsicAnswer : WriteExtrinsicAnswer;
-  return write(request.messageId, request.name, [&content](std::string& out) { out += content; });
+  return WholeAnswer(request, content);
 }
+
+std::string Operations::AnswerError(const Request& request, int code, const std::string& description) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  CountCall(request);
+  std::string content;
+  AppendError(content, code, description);
+  return WholeAnswer(request, content);
+}
+
+void Operations::CountCall(const Request& request) { ++counts_[request.isIntrinsic ? request.name : "InvokeMethod"]; }
 
 void Operations::AppendIntrinsic(std::string& out, const Request& request) const {
   const auto* const found =

@@ -39,10 +39,14 @@ class Operations {
   /// Carries out one request and returns the body of its answer, a CIM error included.
   std::string Answer(const Request& request);
 
+  /// The body of an answer that is a CIM error, without carrying anything out; counts as an answered request, too.
+  std::string AnswerError(const Request& request, int code, const std::string& description);
+
   /// How many requests of an operation were answered; extrinsic methods count as "InvokeMethod".
   std::uint64_t Count(const std::string& operation) const;
 
  private:
+  void CountCall(const Request& request);
   void AppendIntrinsic(std::string& out, const Request& request) const;
   void AppendExtrinsic(std::string& out, const Request& request);
   const Method* FindMethod(const ClassDeclaration& declaration, const std::string& name) const;

@@ -1,5 +1,6 @@
 // The simulator on the network: listeners, connections over TCP and TLS, and HTTP messages on them. Boost.Asio and
 // Boost.Beast stay inside this file; everything that CIM says about HTTP is in http_message.
+#include <algorithm>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ssl/context.hpp>
 #include <boost/asio/strand.hpp>
@@ -18,6 +19,7 @@
 #include "orvane/simulator/simulator.h"
 #include "server/certificate.h"
 #include "server/http_message.h"
+#include "server/operations.h"
 
 namespace Orvane::simulator {
 
@@ -45,6 +47,21 @@ struct Service {
 };
 
 std::string_view View(beast::string_view text) { return {text.data(), text.size()}; }
+
+// The bytes of a message as they would go onto the wire.
+std::string TextOf(http::response<http::string_body>& message) {
+  std::string text;
+  http::response_serializer<http::string_body> serializer(message);
+  ErrorCode error;
+  while (!serializer.is_done() && !error) {
+    serializer.next(error, [&](ErrorCode& failed, const auto& buffers) {
+      failed = {};
+      text += beast::buffers_to_string(buffers);
+      serializer.consume(beast::buffer_bytes(buffers));
+    });
+  }
+  return text;
+}
 
 // One connection: requests are read and answered one after the other until either side ends it. It lives as long as an
 // operation on it is pending.
@@ -114,7 +131,8 @@ class Session : public std::enable_shared_from_this<Session<Stream>> {
     reply.status = static_cast<int>(status);
     keepAlive_ = false;
     refused_ = true;
-    WriteHeaderOnly(reply);
+    Compose(std::move(reply), false);
+    Write();
   }
 
   void Answer() {
@@ -132,43 +150,67 @@ class Session : public std::enable_shared_from_this<Session<Stream>> {
     request.cimObject = View(message["CIMObject"]);
     request.authorization = View(message[http::field::authorization]);
     request.body = std::move(message.body());
-    HttpReply reply = AnswerHttp(request, service_.authentication, service_.operations);
-    if (reply.status != static_cast<int>(http::status::ok)) return WriteHeaderOnly(reply);
-    WriteBody(std::move(reply.body), chunked);
+    HttpReply reply = AnswerHttp(request, service_.authentication, [this](const Request& call) {
+      HttpReply answered;
+      answered.body = service_.operations.Answer(call);
+      return answered;
+    });
+    Deliver(std::move(reply), chunked);
   }
 
-  void WriteHeaderOnly(const HttpReply& reply) {
+  void Deliver(HttpReply reply, bool chunked) {
+    if (reply.delivery.form == Delivery::Form::kNothing) return Cut();
+    const Delivery delivery = reply.delivery;
+    Compose(std::move(reply), chunked);
+    if (delivery.form == Delivery::Form::kCut) return WriteCut(delivery.bodyBytes);
+    Write();
+  }
+
+  void Compose(HttpReply reply, bool chunked) {
     response_ = {};
     response_.result(static_cast<unsigned>(reply.status));
+    if (!reply.reason.empty()) response_.reason(reply.reason);
+    if (reply.status == static_cast<int>(http::status::ok)) {
+      response_.set(http::field::content_type, "application/xml; charset=utf-8");
+      response_.set("CIMOperation", "MethodResponse");
+      if (chunked) response_.set(http::field::trailer, "CIMStatusCode, CIMStatusCodeDescription, Content-Language");
+      response_.chunked(chunked);
+    }
     if (reply.challenge) response_.set(http::field::www_authenticate, "Basic realm=\"cmm\"");
     if (!reply.cimError.empty()) response_.set("CIMError", reply.cimError);
     if (reply.status == static_cast<int>(http::status::method_not_allowed)) response_.set(http::field::allow, "POST");
-    Write();
-  }
-
-  void WriteBody(std::string body, bool chunked) {
-    response_ = {};
-    response_.result(http::status::ok);
-    response_.set(http::field::content_type, "application/xml; charset=utf-8");
-    response_.set("CIMOperation", "MethodResponse");
-    if (chunked) response_.set(http::field::trailer, "CIMStatusCode, CIMStatusCodeDescription, Content-Language");
-    response_.body() = std::move(body);
-    response_.chunked(chunked);
-    Write();
+    for (const auto& [name, value] : reply.headers) response_.set(name, value);
+    response_.body() = std::move(reply.body);
+    response_.keep_alive(keepAlive_);
+    // Also with an empty body, and with every status: clients would wait for more.
+    if (!response_.chunked()) response_.content_length(response_.body().size());
   }
 
   void Write() {
     Limit();
-    response_.keep_alive(keepAlive_);
-    if (!response_.chunked()) response_.prepare_payload();
-    // prepare_payload leaves out the length of an empty body for some statuses; clients of 4xx would wait for more.
-    if (!response_.chunked()) response_.content_length(response_.body().size());
     http::async_write(stream_, response_, [self = this->shared_from_this()](const ErrorCode& error, std::size_t) {
       if (error) return;
       if (self->keepAlive_) return self->ReadHeader();
       if (self->refused_) return self->Discard();
       self->End();
     });
+  }
+
+  // The head as it stands, a part of what follows it, and then nothing more.
+  void WriteCut(std::uint64_t bodyBytes) {
+    const auto text = std::make_shared<std::string>(TextOf(response_));
+    const std::size_t head = text->find("\r\n\r\n") + 4;
+    text->resize(std::min<std::uint64_t>(head + bodyBytes, text->size() - 1));
+    Limit();
+    asio::async_write(stream_, asio::buffer(*text),
+                      [self = this->shared_from_this(), text](const ErrorCode&, std::size_t) { self->Cut(); });
+  }
+
+  // Ends the connection as a server does that is no more: without a farewell, also below TLS.
+  void Cut() {
+    ErrorCode ignored;
+    beast::get_lowest_layer(stream_).socket().shutdown(Tcp::socket::shutdown_both, ignored);
+    beast::get_lowest_layer(stream_).socket().close(ignored);
   }
 
   void End() {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "orvane/simulator/simulator.h"
+#include "server/operations.h"
 
 namespace Orvane::simulator {
 namespace {
@@ -40,7 +41,11 @@ class CimOverHttp : public testing::Test {
  protected:
   HttpReply Send(HttpRequest request) {
     if (request.authorization.empty()) request.authorization = "Basic VTpw";  // U:p
-    return AnswerHttp(request, authentication_, operations_);
+    return AnswerHttp(request, authentication_, [this](const Request& call) {
+      HttpReply reply;
+      reply.body = operations_.Answer(call);
+      return reply;
+    });
   }
 
   static HttpRequest Http(std::string_view method, std::string_view object, std::string body) {

@@ -9,12 +9,14 @@
 #include <utility>
 
 #include "orvane/simulator/clock.h"
+#include "orvane/simulator/fault_plan.h"
 
 namespace Orvane::simulator {
 
 class ObjectStore;
 
-/// A model document that cannot be used. what() is one line: file, JSON pointer of the offending place, reason.
+/// A document, of a model or of faults, that cannot be used. what() is one line: file, JSON pointer of the offending
+/// place, reason.
 class ModelError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
