@@ -24,8 +24,10 @@ constexpr char kVortaCmmComputerSystem[] = "VORTA_CMMComputerSystem";
 constexpr char kVortaComputerSystem[] = "VORTA_ComputerSystem";
 constexpr char kVortaIOModuleComputerSystem[] = "VORTA_IOModuleComputerSystem";
 constexpr char kVortaPassThroughModule[] = "VORTA_PassThroughModule";
+constexpr char kVortaPassThroughModuleCapabilities[] = "VORTA_PassThroughModuleEnabledLogicalElementCapabilities";
 
 // Association classes.
+constexpr char kAssociatedPowerManagementService[] = "CIM_AssociatedPowerManagementService";
 constexpr char kComputerSystemPackage[] = "CIM_ComputerSystemPackage";
 constexpr char kElementSoftwareIdentity[] = "CIM_ElementSoftwareIdentity";
 constexpr char kHostedAccessPoint[] = "CIM_HostedAccessPoint";
@@ -38,6 +40,7 @@ constexpr char kVortaIOMElementFirmwareIdentity[] = "VORTA_IOMElementFirmwareIde
 // Properties.
 constexpr char kAddressOrigin[] = "AddressOrigin";
 constexpr char kAntecedent[] = "Antecedent";
+constexpr char kAvailableRequestedPowerStates[] = "AvailableRequestedPowerStates";
 constexpr char kBuildNumber[] = "BuildNumber";
 constexpr char kClassificationDescriptions[] = "ClassificationDescriptions";
 // Misspelt in the interface of the chassis manager: the correctly spelt property is another one and must not be read.
@@ -68,6 +71,7 @@ constexpr char kPostStatus[] = "PostStatus";
 constexpr char kPostStatusDescription[] = "PostStatusDescription";
 constexpr char kProductName[] = "ProductName";
 constexpr char kProtocolIFType[] = "ProtocolIFType";
+constexpr char kRequestedStatesSupported[] = "RequestedStatesSupported";
 constexpr char kRevisionNumber[] = "RevisionNumber";
 constexpr char kSerialNumber[] = "SerialNumber";
 constexpr char kSku[] = "SKU";
@@ -81,14 +85,18 @@ constexpr char kVpdId[] = "VpdId";
 
 // Methods.
 constexpr char kInstallFromUri[] = "InstallFromURI";
+constexpr char kRequestPowerStateChange[] = "RequestPowerStateChange";
 constexpr char kRequestStateChange[] = "RequestStateChange";
 
 // Parameters of methods.
 constexpr char kInstallOptions[] = "InstallOptions";
 constexpr char kInstallOptionsValues[] = "InstallOptionsValues";
 constexpr char kJob[] = "Job";
+constexpr char kManagedElement[] = "ManagedElement";
+constexpr char kPowerState[] = "PowerState";
 constexpr char kRequestedState[] = "RequestedState";
 constexpr char kTarget[] = "Target";
+constexpr char kTimeoutPeriod[] = "TimeoutPeriod";
 constexpr char kUri[] = "URI";
 
 // Values of CIM_ComputerSystem.Dedicated.

@@ -41,6 +41,9 @@ inline std::string PropertyTextOrThrow(const Pegasus::CIMInstance& instance, con
   return ToStdString(PegClientOpt::GetPropertyValueOrThrow(instance, name).toString());
 }
 
+/// The object path of @p instance as text; throws for an uninitialised one.
+inline std::string PathText(const Pegasus::CIMInstance& instance) { return ToStdString(instance.getPath().toString()); }
+
 inline bool Contains(const std::string& text, const char* part) { return text.find(part) != std::string::npos; }
 
 /// atoi's reading: optional blanks and sign, leading digits, 0 when there are none.

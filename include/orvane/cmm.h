@@ -375,22 +375,70 @@ class ORVANE_EXPORT SwitchIOModuleUpdate {
 };
 
 /// Updates, reboots, reseats and checks the pass-through module of one bay. Copies share one object.
-/// One thread at a time may use an object and its copies; every call blocks until it is done.
+///
+/// Every call blocks until it is done, closes its connections before it returns, throws nothing and writes what went
+/// wrong to the log; an exception of the callback ends it with the code of "any other error". A request waits at most
+/// 300 seconds. Every server certificate is accepted, and a failed HTTPS connect is followed by plain HTTP.
+/// One thread at a time may use an object and its copies.
 class ORVANE_EXPORT SwitchPassThruUpdate {
  public:
   /// Keeps the values and connects to nothing yet.
+  /// @param port        as for CMMInventory
   /// @param packageURI  where the CMM fetches the package; passed on unchanged
-  /// @param bay         I/O bay of the module
+  /// @param bay         I/O bay of the module that StartUpdate() updates
   SwitchPassThruUpdate(const std::string& host, const std::string& user, const std::string& password,
                        unsigned short port, const std::string& packageURI, int bay);
   ~SwitchPassThruUpdate();
   SwitchPassThruUpdate(const SwitchPassThruUpdate&);
   SwitchPassThruUpdate& operator=(const SwitchPassThruUpdate&);
 
+  /// Lets the CMM install the package on the module and follows the job to its end, looking once a minute without a
+  /// limit. Use one object per package: a second call on the same object sends the parameters of the first one again,
+  /// ahead of its own.
+  /// @return    0  installed
+  ///            1  no connection, at any stage
+  ///            2  the CMM started no job, or the job vanished or told nothing
+  ///            5  access denied when the installation was asked for, or later
+  ///            6  the job has a status that is not known
+  ///           15  the job ended before it was complete
+  ///           18  another firmware update is running
+  ///           19  access denied to the installation service
+  ///           20  not supported (CIM status 7)
+  ///           21  invalid namespace (CIM status 3)
+  ///           22  invalid class (CIM status 5)
+  ///           23  invalid parameter (CIM status 4)
+  ///           24  no pass-through module in the bay, or the bay could not be read, or not found (CIM status 6)
+  ///           25  no such method (CIM status 17)
+  ///           26  method not available (CIM status 16)
+  ///           27  the CMM failed (CIM status 1)
+  ///          212  no installation service, or any other error
   int StartUpdate();
+
+  /// Asks the module of @p bay to restart and does not wait for it; CheckIfRebootSuccess() does.
+  /// @return   0  asked for; what the module answered is in the log only. Also when the CMM did not answer in time, or
+  ///              with a CIM status that has no meaning here
+  ///           1  no connection
+  ///           4  the modules do not offer it, CIM error, or any other error
+  ///          24  no pass-through module in the bay, or the bay could not be read
   int Reboot(int bay);
+
+  /// Asks the module of @p bay to take itself off power and on again. @return as Reboot()
   int Reseat(int bay);
+
+  /// Looks every 10 seconds, 36 times at most, whether the module of @p bay has completed its power-on self test. The
+  /// first look comes 10 seconds after the call.
+  /// @return   0  completed
+  ///          16  not completed within six minutes, or any other error
+  ///          19  access denied
+  ///          20  not supported
+  ///          22  invalid class
+  ///          23  invalid parameter
+  ///          24  no pass-through module in the bay, or the bay could not be read: a module that is gone is not waited
+  ///              for
+  ///          27  CIM_ERR_FAILED
   int CheckIfRebootSuccess(int bay);
+
+  /// @param cb  receives the progress texts from now on; null for none. Borrowed: keep it alive.
   void SetLogCallBack(LogMessageCallBack* cb);
 
  private:
@@ -398,17 +446,63 @@ class ORVANE_EXPORT SwitchPassThruUpdate {
 };
 
 /// Reseats (power-cycles) compute nodes through the CMM's power management service. Copies share client and inventory.
+///
+/// Every call closes its connections before it returns, throws nothing and writes what went wrong to the log. A request
+/// waits at most 300 seconds. Every server certificate is accepted, and a failed HTTPS connect is followed by plain
+/// HTTP. One thread at a time may use an object and its copies.
 class ORVANE_EXPORT Cmm_Blade_Reseat {
  public:
+  /// Keeps the values and connects to nothing yet.
+  /// @param port    as for CMMInventory
+  /// @param unused  kept and never looked at
   Cmm_Blade_Reseat(const std::string& host, unsigned int port, const std::string& user, const std::string& password,
                    int unused);
   ~Cmm_Blade_Reseat();
   Cmm_Blade_Reseat(const Cmm_Blade_Reseat&);
   Cmm_Blade_Reseat& operator=(const Cmm_Blade_Reseat&);
 
+  /// Asks the CMM to take the node in @p bay off power and on again.
+  /// @param bay  node bay; 1 to 9 are called node01 to node09, every other number stands behind "node" as it is
+  /// @return   0  done, or the node does not offer it (the log tells: "The blade is not ready to change state.")
+  ///           1  no connection to read what the node offers
+  ///          -1  what the node offers could not be found
+  ///          -2  the host has no address
+  ///          -3  no socket
+  ///          -4  no connection
+  ///          -5  a name is not valid
+  ///          -6  any other failure to connect
+  ///           3  the node refused, or any error without a code of its own
+  ///           5, 6, 7, 8, 10, 11, 12  CIM error, see ParseError()
+  ///           9  no power management service of that node, it could not be read, or not found (CIM status 6)
   int ReseatBlade(int bay);
+
+  /// Finds the computer system of a node: the first whose object path contains @p nodeName.
+  /// @param nodeName  for example node03
+  /// @param element   set when 0 is returned, else left as it was
+  /// @return   0  found
+  ///           1  no connection
+  ///          -1  none, or any error
   int GetManagedElementREF(std::string nodeName, Pegasus::CIMInstance& element);
+
+  /// Reads the power states that a node offers, from the first association with its power management service whose
+  /// object path contains @p nodeName.
+  /// @param states  the numbers, each followed by one blank; empty when the association has none. Set when 0 is
+  ///                returned, else left as it was
+  /// @return   0  found
+  ///           1  no connection
+  ///          -1  none, or any error
   int GetAvailableRequestedPowerStates(std::string nodeName, std::string& states);
+
+  /// The code of ReseatBlade() for a CIM error.
+  /// @return   5  access denied
+  ///           6  not supported
+  ///           7  invalid namespace
+  ///           8  invalid parameter
+  ///           9  not found
+  ///          10  method not found
+  ///          11  method not available
+  ///          12  CIM_ERR_FAILED
+  ///           3  every other status
   int ParseError(const Pegasus::CIMStatusCode& code);
 
  private:
