@@ -1,42 +1,15 @@
 // Memory that runs out in the middle of an operation: the one failure that is no exception of the CIM client and can
 // happen anywhere. Every operation ends with its code for an unexpected error, its line and a closed connection.
-#include <cstdlib>
 #include <functional>
-#include <new>
 
 #include "cmm/tests/inventory_fixture.h"
+#include "testing/refused_memory.h"
 
+namespace Orvane::testing {
 namespace {
 
 // Smaller allocations always succeed: the buffers of connections, the texts of log lines, the test itself.
 constexpr std::size_t kBig = 256 * 1024;
-
-// Per thread, so that the scripted server is left alone.
-thread_local bool armed = false;
-thread_local int bigOnesToSpare = 0;
-
-bool Refuses(std::size_t size) {
-  if (!armed || size < kBig || bigOnesToSpare-- > 0) return false;
-  armed = false;
-  return true;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  void* const memory = Refuses(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-  return Refuses(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
-void operator delete(void* memory, const std::nothrow_t& /*tag*/) noexcept { std::free(memory); }
-
-namespace Orvane::testing {
-namespace {
 
 using ::testing::SizeIs;
 
@@ -49,11 +22,9 @@ class OutOfMemory : public InventoryTest {
     constexpr int kMostRuns = 500;
     for (int spared = 0; spared < kMostRuns; ++spared) {
       const std::size_t before = log.Texts(1).size();
-      bigOnesToSpare = spared;
-      armed = true;
+      RefuseMemory(kBig, spared);
       const int result = operation();
-      const bool refused = !armed;
-      armed = false;
+      const bool refused = StopRefusingMemory();
       ASSERT_TRUE(server.WaitUntilAllClosed());
       if (!refused) {
         EXPECT_GT(spared, 0) << "nothing was refused at all";

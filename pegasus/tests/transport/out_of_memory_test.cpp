@@ -4,43 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <new>
 #include <string>
 #include <thread>
 #include <utility>
 
 #include "testing/raw_server.h"
+#include "testing/refused_memory.h"
 #include "thrown.h"
-
-namespace {
-
-// Below the buffer for what the socket has and the body of the answer below; smaller allocations always succeed.
-constexpr std::size_t kBig = 16 * 1024;
-
-// Per thread, so that the scripted server is left alone.
-thread_local bool armed = false;
-thread_local int bigOnesToSpare = 0;
-
-bool Refuses(std::size_t size) {
-  if (!armed || size < kBig || bigOnesToSpare-- > 0) return false;
-  armed = false;
-  return true;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  void* const memory = Refuses(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
-  return Refuses(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
-void operator delete(void* memory, const std::nothrow_t& /*tag*/) noexcept { std::free(memory); }
 
 namespace Pegasus {
 namespace {
@@ -49,7 +20,11 @@ using Orvane::testing::RawAction;
 using Orvane::testing::RawActions;
 using Orvane::testing::RawServer;
 using Orvane::testing::RawServerOptions;
+using Orvane::testing::RefuseMemory;
+using Orvane::testing::StopRefusingMemory;
 
+// Below the buffer for what the socket has and the body of the answer below; smaller allocations always succeed.
+constexpr std::size_t kBig = 16 * 1024;
 /// Long enough for the second request to be sent meanwhile, if it is sent over the same connection.
 constexpr std::chrono::milliseconds kPause{500};
 /// Of blanks in front of the end of the answer, more than kBig and few enough to come in one piece.
@@ -90,10 +65,9 @@ void ExpectSecondRequestUntouched(RawActions first, int spared) {
   CIMClient client;
   client.connect("127.0.0.1", server.Port(), "", "");
 
-  bigOnesToSpare = spared;
-  armed = true;
+  RefuseMemory(kBig, spared);
   EXPECT_THROW(Enumerate(client), std::bad_alloc);
-  ASSERT_FALSE(armed) << "nothing was refused";
+  ASSERT_TRUE(StopRefusingMemory()) << "nothing was refused";
   // The script counts requests over all connections: the first has to be read before there is a second.
   ASSERT_TRUE(WaitForRequest(server));
 
