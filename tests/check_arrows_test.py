@@ -23,10 +23,12 @@ FORBIDDEN = [
     ("cli/app.cpp", "cmm/inventory_update/cmm_peg_client.h"),
     ("logger/src/log.cpp", "platform/sleep.h"),
     ("platform/src/sleep.cpp", "orvane/log.h"),
-    ("include/orvane/cmm.h", "Pegasus/Common/String.h"),
+    ("include/orvane/cmm.h", "pegasus/src/base/utf8.h"),
+    ("include/orvane/cmm.h", "orvane/log.h"),
 ]
 
 ALLOWED = [
+    ("include/orvane/cmm.h", "Pegasus/Common/CIMInstance.h"),
     ("cli/app.cpp", "orvane/cmm.h"),
     ("cli/app.cpp", "orvane/simulator/simulator.h"),
     ("cmm/inventory_update/imp.cpp", "Pegasus/Client/CIMClient.h"),
