@@ -5,7 +5,7 @@
 namespace Orvane::cim {
 
 constexpr char kNamespace[] = "root/cimv2";
-// The same namespace as the polls of module jobs write it.
+// The same namespace as the polls of jobs write it; the slash does not reach the server.
 constexpr char kJobNamespace[] = "/root/cimv2";
 
 // Classes of managed elements.
@@ -20,8 +20,10 @@ constexpr char kRedundancySet[] = "CIM_RedundancySet";
 constexpr char kSlot[] = "CIM_Slot";
 constexpr char kSoftwareIdentity[] = "CIM_SoftwareIdentity";
 constexpr char kSoftwareInstallationService[] = "CIM_SoftwareInstallationService";
+constexpr char kVortaCmmCapabilities[] = "VORTA_CMMEnabledLogicalElementCapabilities";
 constexpr char kVortaCmmComputerSystem[] = "VORTA_CMMComputerSystem";
 constexpr char kVortaComputerSystem[] = "VORTA_ComputerSystem";
+constexpr char kVortaFirmwareInstallationJob[] = "VORTA_FirmwareInstallationJob";
 constexpr char kVortaIOModuleComputerSystem[] = "VORTA_IOModuleComputerSystem";
 constexpr char kVortaPassThroughModule[] = "VORTA_PassThroughModule";
 constexpr char kVortaPassThroughModuleCapabilities[] = "VORTA_PassThroughModuleEnabledLogicalElementCapabilities";
