@@ -89,8 +89,10 @@ std::string Http(const std::string& statusLine, const std::string& headers, cons
          body;
 }
 
-std::string HttpOk(const std::string& body) {
-  return Http("200 OK", "Content-Type: application/xml; charset=utf-8\r\nCIMOperation: MethodResponse\r\n", body);
+HttpReply HttpOk(const std::string& body, bool thenClose) {
+  std::string headers = "Content-Type: application/xml; charset=utf-8\r\nCIMOperation: MethodResponse\r\n";
+  if (thenClose) headers += "Connection: close\r\n";
+  return {Http("200 OK", headers, body), thenClose ? HttpReply::After::kClose : HttpReply::After::kKeep};
 }
 
 CimAnswer DefaultAnswer(const CimRequest& request) {
@@ -158,6 +160,11 @@ CimAnswer Close() {
 
 CimAnswer ThenRefuse(CimAnswer answer) {
   answer.thenRefuse = true;
+  return answer;
+}
+
+CimAnswer ThenClose(CimAnswer answer) {
+  answer.thenClose = true;
   return answer;
 }
 
@@ -250,7 +257,7 @@ HttpReply CimServer::Handle(const HttpExchange& exchange) {
       constexpr char kPlace[] = "@ID@";
       const std::size_t place = body.find(kPlace);
       if (place != std::string::npos) body.replace(place, sizeof kPlace - 1, request.messageId);
-      return {HttpOk(body), HttpReply::After::kKeep};
+      return HttpOk(body, answer.thenClose);
     }
     case CimAnswer::Kind::kRaw:
       return {answer.body, HttpReply::After::kClose};
@@ -263,7 +270,7 @@ HttpReply CimServer::Handle(const HttpExchange& exchange) {
     case CimAnswer::Kind::kCimError:
       break;
   }
-  return {HttpOk(ResponseBody(request, answer)), HttpReply::After::kKeep};
+  return HttpOk(ResponseBody(request, answer), answer.thenClose);
 }
 
 std::vector<CimServer::Event> CimServer::Events() const {

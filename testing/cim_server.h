@@ -29,6 +29,7 @@ struct CimAnswer {
   std::string body;         ///< HTTP body, or the raw bytes
   std::string headers;      ///< further header lines, each ended by CR LF
   bool thenRefuse = false;  ///< before it is sent, the server stops to accept connections
+  bool thenClose = false;   ///< it announces the end of its connection, and the server closes it
 };
 
 /// The objects (or their names, for the operations that return names). GetInstance takes the first.
@@ -50,6 +51,8 @@ CimAnswer Raw(const std::string& bytes);
 CimAnswer Close();
 /// This answer is the last thing: further connections are refused.
 CimAnswer ThenRefuse(CimAnswer answer);
+/// As Objects(), MethodResult(), CimError() and Body() answers are sent, but the connection ends with it, as announced.
+CimAnswer ThenClose(CimAnswer answer);
 /// No answer until the client closes or the server is destroyed.
 CimAnswer Hang();
 

@@ -347,27 +347,100 @@ class ORVANE_EXPORT CMMUpdate {
 };
 
 /// Updates, activates, reboots, reseats and checks the I/O-module switch of one bay. Copies share one object.
-/// One thread at a time may use an object and its copies; every call blocks until it is done.
+///
+/// Every operation blocks until it is done, throws nothing, closes its connections before it returns and writes what
+/// went wrong to the log. One thread at a time may use an object and its copies; separate objects are independent.
 class ORVANE_EXPORT SwitchIOModuleUpdate {
  public:
   /// Keeps the values and connects to nothing yet.
-  /// @param pkgFileURI1  the first, or only, package
+  /// @param host         name or address of the CMM
+  /// @param port         tried with HTTPS, then with HTTP; 0 means HTTPS on 5989, then HTTP on 5988
+  /// @param pkgFileURI1  where the CMM fetches the first, or only, package; passed on unchanged
   /// @param pkgFileURI2  the second package; empty when there is none
-  /// @param bay          I/O bay of the switch
+  /// @param bay          I/O bay of the switch to update
   SwitchIOModuleUpdate(const std::string& host, const std::string& user, const std::string& password,
                        unsigned short port, const std::string& pkgFileURI1, const std::string& pkgFileURI2, int bay);
   ~SwitchIOModuleUpdate();
   SwitchIOModuleUpdate(const SwitchIOModuleUpdate&);
   SwitchIOModuleUpdate& operator=(const SwitchIOModuleUpdate&);
 
+  /// UpdateFirmware(), then ActivateImage() and Reboot() of the same bay and a wait of ten minutes. A failed activation
+  /// or reboot is logged only. Does not wait for the self test; CheckIfRebootSuccess() does.
+  /// @return as UpdateFirmware(); then 0, or 2 for an unexpected error of the activation
   int StartUpdate();
+
+  /// Installs the first package and then, if there is one, the second; each install lasts until its job ends, however
+  /// long that takes. A failed first install ends it.
+  /// @return   0  installed
+  ///           1  no connection, at any stage
+  ///           2  no installation service, no job, a vanished job, an unknown job status, or an unexpected error
+  ///           5  access denied while the job was followed
+  ///           7 to 16, 35  what CheckUpdateErrorCode() made of the status of a failed job
+  ///          17  the job failed with a status that says no more
+  ///          18  another update is running
+  ///          19  access denied
+  ///          20  not supported
+  ///          21  invalid namespace
+  ///          22  invalid class
+  ///          23  invalid parameter
+  ///          24  no switch in the bay, or the CMM did not find one of the objects
+  ///          25  method not found
+  ///          26  method not available
+  ///          27  the CMM reports a general failure
   int UpdateFirmware();
+
+  /// Makes the fallback image of the switch the one that its next start takes.
+  /// @return  0  activated
+  ///          1  no connection
+  ///          2  the CMM refused the change, or an unexpected error
+  ///          3  no fallback image (Reboot() then restarts a switch that it would leave alone otherwise), or the images
+  ///             could not be read
   int ActivateImage(int bay);
+
+  /// Whether the switch takes new firmware at its next restart only.
+  /// @return   1  no connection
+  ///           6  no switch in the bay
+  ///          29  the switches could not be read
+  ///          33  supported
+  ///          34  not supported
   int CheckDeferedUpdateSupported(int bay);
+
+  /// Whether the switch is ready for an update; while it is busy, waits up to 310 seconds and looks up to 31 times
+  /// more.
+  /// @return   0  ready
+  ///           1  no connection
+  ///          29  the switches could not be read, no switch in the bay, or an unknown state
+  ///          30  not ready
+  ///          32  still busy after the wait, or any of the failures above after it was busy at first
   int EHCMCheck(int bay);
+
+  /// Waits until the switch has completed its power-on self test: looks 36 times, each time after 10 seconds.
+  /// @return   0  completed
+  ///           6  unexpected error
+  ///          16  not completed after six minutes
+  ///          19  access denied
+  ///          20  not supported
+  ///          22  invalid class
+  ///          23  invalid parameter
+  ///          24  no switch in the bay, or no connection
+  ///          27  the CMM reports a general failure
   int CheckIfRebootSuccess(int bay);
+
+  /// Restarts the switch if that is needed: it supports deferred updates, or it does not and ActivateImage(), also as
+  /// part of StartUpdate(), found no fallback image with this object. Does not wait for the restart.
+  /// @return   0  asked for, or not needed, or whether it is needed could not be read
+  ///           2  unexpected error
+  ///           4  refused, or the request failed
+  ///          24  no switch in the bay
+  ///          below 0  no connection
   int Reboot(int bay);
+
+  /// Power-cycles the switch, in every case. Does not wait for the restart.
+  /// @return as Reboot(), 0 only when asked for
   int Reseat(int bay);
+
+  /// @param cb  receives the progress texts from now on; null for none. Borrowed: keep it alive. An exception that it
+  ///            throws ends the operation with the code of an unexpected error.
   void SetLogCallBack(LogMessageCallBack* cb);
 
  private:
