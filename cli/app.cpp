@@ -8,10 +8,13 @@
 
 #include "cli/command_line.h"
 #include "cli/connection.h"
+#include "cli/context.h"
 #include "cli/embedded_simulator.h"
 #include "cli/failure.h"
 #include "cli/log_capture.h"
+#include "cli/notices.h"
 #include "cli/output.h"
+#include "cli/passing_time.h"
 #include "cli/target.h"
 #include "cli/text.h"
 
@@ -21,44 +24,48 @@ namespace {
 // The simulator, when asked for, has to live until the command is done.
 struct Opened {
   std::unique_ptr<EmbeddedSimulator> simulator;
+  std::unique_ptr<PassingTime> time;
   Connection connection;
 };
 
 Opened Open(const Request& request) {
   Opened opened;
   if (request.simulate) {
-    opened.simulator = std::make_unique<EmbeddedSimulator>(request.modelPath);
+    opened.simulator = std::make_unique<EmbeddedSimulator>(request.simulation);
+    opened.time = opened.simulator->Time();
     opened.connection = opened.simulator->Access();
   } else {
+    opened.time = std::make_unique<RealTime>();
     opened.connection = ResolveConnection(request.connection, ProcessSurroundings());
   }
   return opened;
 }
 
-void Tell(const std::string& sentence) { std::cerr << "orvane: " << sentence << "\n"; }
-
-ExitStatus Print(const std::string& text) {
+ExitStatus Print(const std::string& text, const Notices& notices) {
   std::cout << text << std::flush;
   if (std::cout) return ExitStatus::kDone;
-  Tell("the result cannot be written to standard output");
+  notices.Error("the result cannot be written to standard output");
   return ExitStatus::kFailed;
 }
 
-ExitStatus Carry(const Request& request) {
+ExitStatus Carry(const Request& request, const Notices& notices) {
   LogCapture log(request.log);
+  if (request.prepare) request.prepare();
   const Opened opened = Open(request);
   Target target(opened.connection, log);
+  const Context context{target, opened.connection, log, *opened.time, notices, request.simulate, request.json};
   Outcome outcome;
   try {
-    outcome = request.run(target);
+    outcome = request.run(context);
   } catch (const Failure& failure) {
     // Programs that read the JSON get a document whatever happens once the command line was understood.
-    Tell(failure.what());
-    if (request.json) Print(JsonText(request.operation, failure));
+    notices.Error(failure.what());
+    if (request.json) Print(JsonText(request.operation, failure), notices);
     return failure.Status();
   }
-  for (const std::string& warning : outcome.warnings) Tell("warning: " + warning);
-  const ExitStatus printed = Print(request.json ? JsonText(request.operation, outcome) : outcome.text);
+  for (const std::string& warning : outcome.warnings) notices.Warning(warning);
+  if (!outcome.error.empty()) notices.Error(outcome.error);
+  const ExitStatus printed = Print(request.json ? JsonText(request.operation, outcome) : outcome.text, notices);
   return printed == ExitStatus::kDone ? outcome.status : printed;
 }
 
@@ -67,13 +74,15 @@ ExitStatus Carry(const Request& request) {
 int RunApp(int argc, const char* const* argv) {
   const auto parsed = ParseCommandLine(argc, argv);
   if (const auto* finished = std::get_if<Finished>(&parsed)) return ToInt(finished->status);
+  const auto& request = std::get<Request>(parsed);
+  const Notices notices(request.jsonLines);
   try {
-    return ToInt(Carry(std::get<Request>(parsed)));
+    return ToInt(Carry(request, notices));
   } catch (const Failure& failure) {
-    Tell(failure.what());
+    notices.Error(failure.what());
     return ToInt(failure.Status());
   } catch (const std::exception& error) {
-    Tell("internal error: " + Neutralise(error.what()));
+    notices.Error("internal error: " + Neutralise(error.what()));
     return ToInt(ExitStatus::kFailed);
   }
 }

@@ -19,8 +19,19 @@ constexpr std::string_view kConnectLine = "Connect CIMOM . H:";
 constexpr std::string_view kResultOfConnect = " RC: ";
 
 // Prefixes that the session puts before an exception's message; other sources log the message bare or after " Error:".
-constexpr std::string_view kPrefixes[] = {"Client HTTP Exception: ", "EnumerateInstances Exception: ",
-                                          "Pegasus Exception: ", "Pegasus CIMException: ", " Error:"};
+constexpr std::string_view kPrefixes[] = {
+    "Client HTTP Exception: ",
+    "EnumerateInstances Exception: ",
+    "Pegasus Exception: ",
+    "Pegasus CIMException: ",
+    " Error:",
+    "unknown error happened when invokeMethod :",
+    "unknown error happened when invokeMethod ",
+    "Unknown error happened when invokeMethod ",
+    "Unknown error happened when enumerate CIM_SoftwareInstallationService. ",
+    "Unknown error happened when enumerate VORTA_IOModuleComputerSystem. ",
+    "unknown error happened when enumerate VORTA_PassThroughModuleEnabledLogicalElementCapabilities Instance :",
+    "unknown error happened when enumerate Reboot Instance :"};
 
 constexpr std::string_view kUnknownHostPrefix = "Pegasus InvalidLocatorException: ";
 
@@ -29,6 +40,11 @@ constexpr std::string_view kConnectPrefixes[] = {
     "Pegasus AlreadyConnectedException: ",  kUnknownHostPrefix,
     "Pegasus CannotCreateSocketException:", "Pegasus CannotConnectException:",
     "Pegasus InvalidNameException: ",       "Unknown Exception: "};
+
+// Lines of level 1 that say nothing about why something failed.
+constexpr std::string_view kNoCause[] = {"the return code of installPackage_CMM is ",
+                                         "update failed and the return code message is ",
+                                         "reboot CMM failed and the return code message is "};
 
 struct MessageCause {
   std::string_view start;
@@ -60,6 +76,11 @@ std::string_view WithoutPrefix(std::string_view text) {
     if (StartsWith(text, prefix)) return text.substr(prefix.size());
   }
   return text;
+}
+
+bool TellsNoCause(std::string_view text) {
+  return std::any_of(std::begin(kNoCause), std::end(kNoCause),
+                     [text](std::string_view start) { return StartsWith(text, start); });
 }
 
 std::optional<std::string_view> ConnectFailure(std::string_view text) {
@@ -105,7 +126,7 @@ Cause FindConnectCause(const std::vector<Log::Record>& records) {
 Cause FindCause(const std::vector<Log::Record>& records) {
   Cause soft;
   for (const Log::Record& record : records) {
-    if (record.level != 1 || ConnectFailure(record.text)) continue;
+    if (record.level != 1 || ConnectFailure(record.text) || TellsNoCause(record.text)) continue;
     Cause cause = ClassifyMessage(record.text);
     if (IsHard(cause.kind)) return cause;
     if (soft.kind == CauseKind::kNone) soft = std::move(cause);
@@ -113,6 +134,14 @@ Cause FindCause(const std::vector<Log::Record>& records) {
   // A connection refused on the way, after answers came, is looked for last: the error before it is the reason.
   if (Cause connect = FindConnectCause(records); connect.kind != CauseKind::kNone) return connect;
   return soft;
+}
+
+Cause FindRefusal(const std::vector<Log::Record>& records) {
+  for (const Log::Record& record : records) {
+    if (record.level != 1) continue;
+    if (Cause cause = ClassifyMessage(record.text); cause.kind == CauseKind::kRefused) return cause;
+  }
+  return {};
 }
 
 bool IsHard(CauseKind kind) { return kind != CauseKind::kNone && kind != CauseKind::kOther; }

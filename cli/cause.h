@@ -30,6 +30,9 @@ struct Cause {
 /// of HTTP or authentication, else the first error line. A failed HTTPS connect that plain HTTP made good is no cause.
 Cause FindCause(const std::vector<Log::Record>& records);
 
+/// The first refusal of user or password in @p records, whatever failed before it; kNone when there is none.
+Cause FindRefusal(const std::vector<Log::Record>& records);
+
 /// True when @p kind says that talking to the host failed, so that nothing the call returned can be trusted.
 bool IsHard(CauseKind kind);
 

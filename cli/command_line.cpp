@@ -4,10 +4,13 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <map>
+#include <memory>
 #include <utility>
 #include <vector>
 
 #include "cli/commands/commands.h"
+#include "cli/operations/operation.h"
+#include "cli/operations/operation_run.h"
 #include "cli/text.h"
 
 namespace Orvane::cli {
@@ -20,7 +23,7 @@ constexpr const char* kBuiltInModel = "built-in";
 const char* const kFooter =
     "Environment: ORVANE_HOST, ORVANE_PORT, ORVANE_USER, ORVANE_PASSWORD; ORVANE_LOG_LEVEL, ORVANE_LOG_FILE.\n"
     "Exit status: 0 done, 1 operation failed, 2 wrong usage, 3 no connection, 4 not found or not ready,\n"
-    "             5 user or password refused, 130 interrupted.\n"
+    "             5 user or password refused, 6 gave up waiting while the job goes on, 130 interrupted.\n"
     "Without hardware: orvane --simulate inventory";
 
 // The values CLI11 writes to while it parses; they live as long as the application object does.
@@ -29,11 +32,12 @@ struct Values {
   std::string output = "table";
   int bay = 0;  // 0: not given
   std::string kind;
+  OperationOptions operation;
 
   std::optional<int> Bay() const { return bay == 0 ? std::nullopt : std::optional(bay); }
 };
 
-using Command = std::function<Outcome(Target&, const Values&)>;
+using Command = std::function<Outcome(const Context&, const Values&)>;
 
 const std::map<std::string, EquipmentKind> kKinds = {
     {"cmm", EquipmentKind::kCmm}, {"switch", EquipmentKind::kSwitch}, {"node", EquipmentKind::kNode}};
@@ -42,6 +46,9 @@ void AddOptions(CLI::App& app, Request& request, Values& values) {
   auto* simulate = app.add_flag("--simulate{" + std::string(kBuiltInModel) + "}", values.model,
                                 "Start the chassis simulator and use it; --simulate=MODEL.json names its model");
   simulate->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  app.add_option("--faults", request.simulation.faultsPath, "What goes wrong in the simulated chassis")
+      ->type_name("FILE")
+      ->needs(simulate);
   const std::string group = "Connection";
   app.add_option("--host", request.connection.host, "Name or address of the management module")
       ->group(group)
@@ -72,28 +79,80 @@ class Grammar {
 
   void AddCommands() {
     Leaf(app_, "inventory", "Everything: chassis, management modules, I/O modules, nodes",
-         [](Target& target, const Values&) { return RunInventory(target); });
-    Leaf(app_, "chassis", "The chassis", [](Target& target, const Values&) { return RunChassis(target); });
-    Leaf(Group("cmm", "Chassis management modules"), "list", "The management modules",
-         [](Target& target, const Values&) { return RunCmmList(target); });
-    AddBayOption(Leaf(Group("switch", "Switches (I/O modules)"), "list", "The switches",
-                      [](Target& target, const Values& values) { return RunSwitchList(target, values.Bay()); }));
-    AddBayOption(Leaf(Group("passthru", "Pass-through modules"), "list", "The pass-through modules",
-                      [](Target& target, const Values& values) { return RunPassThruList(target, values.Bay()); }));
+         [](const Context& context, const Values&) { return RunInventory(context.target); });
+    Leaf(app_, "chassis", "The chassis",
+         [](const Context& context, const Values&) { return RunChassis(context.target); });
+    CLI::App& cmm = Group("cmm", "Chassis management modules");
+    Leaf(cmm, "list", "The management modules",
+         [](const Context& context, const Values&) { return RunCmmList(context.target); });
+    CLI::App& switches = Group("switch", "Switches (I/O modules)");
+    AddBayOption(Leaf(switches, "list", "The switches", [](const Context& context, const Values& values) {
+      return RunSwitchList(context.target, values.Bay());
+    }));
+    CLI::App& passThrus = Group("passthru", "Pass-through modules");
+    AddBayOption(Leaf(passThrus, "list", "The pass-through modules", [](const Context& context, const Values& values) {
+      return RunPassThruList(context.target, values.Bay());
+    }));
+    Group("blade", "Compute nodes");
     CLI::App& bay = Group("bay", "I/O bays");
-    AddBayArgument(Leaf(bay, "type", "The kind of module in a bay: switch or pass-through",
-                        [](Target& target, const Values& values) { return RunBayType(target, values.bay); }));
-    AddBayArgument(Leaf(bay, "same", "The other bays with a switch of the same type, one per line",
-                        [](Target& target, const Values& values) { return RunBaySame(target, values.bay); }));
+    AddBayArgument(
+        Leaf(bay, "type", "The kind of module in a bay: switch or pass-through",
+             [](const Context& context, const Values& values) { return RunBayType(context.target, values.bay); }));
+    AddBayArgument(
+        Leaf(bay, "same", "The other bays with a switch of the same type, one per line",
+             [](const Context& context, const Values& values) { return RunBaySame(context.target, values.bay); }));
     Leaf(app_, "equipment", "The bays that hold equipment",
-         [](Target& target, const Values& values) {
-           return RunEquipment(target, values.kind.empty() ? std::nullopt : std::optional(kKinds.at(values.kind)));
+         [](const Context& context, const Values& values) {
+           return RunEquipment(context.target,
+                               values.kind.empty() ? std::nullopt : std::optional(kKinds.at(values.kind)));
          })
         .add_option("--kind", values_.kind, "Only one kind: cmm, switch (all I/O modules) or node")
         ->check(CLI::IsMember(kKinds));
+    for (const Operation& operation : Operations()) AddOperation(operation);
   }
 
  private:
+  void AddOperation(const Operation& operation) {
+    const std::string name = operation.name;
+    const std::size_t blank = name.find(' ');
+    CLI::App& leaf = *app_.get_subcommand(name.substr(0, blank))
+                          ->add_subcommand(name.substr(blank + 1), operation.help)
+                          ->fallthrough();
+    OperationOptions& options = values_.operation;
+    if (operation.target != TargetKind::kCmm) {
+      leaf.add_option("--bay", options.bay, "The bay")->required()->check(CLI::Range(kFirstBay, kLastBay));
+    }
+    if (operation.packages > 0) AddPackages(leaf, operation.packages);
+    if (operation.mayStay) leaf.add_flag("--no-reboot", options.noReboot, "Install only");
+    if (operation.mayLeave) leaf.add_flag("--no-wait", options.noWait, "Do not wait until it answers again");
+    if (operation.changes) AddSafeguards(leaf);
+    leaf.add_option("--progress", options.progress,
+                    "On standard error: auto (a live line on a terminal, else plain), plain or jsonl")
+        ->check(CLI::IsMember({"auto", "plain", "jsonl"}));
+    leaf.callback([&request = request_, &options, &operation] {
+      const auto run = std::make_shared<OperationRun>(operation, options);
+      request.operation = operation.name;
+      request.jsonLines = options.progress == "jsonl";
+      request.prepare = [run] { run->Prepare(); };
+      request.run = [run](const Context& context) { return run->Carry(context); };
+    });
+  }
+
+  void AddPackages(CLI::App& leaf, std::size_t most) {
+    CLI::Option& packages = *leaf.add_option("--package", values_.operation.packages,
+                                             "Where the management module fetches the package; a switch may get two")
+                                 ->required()
+                                 ->type_name("URI");
+    packages.expected(1, static_cast<int>(most))->allow_extra_args(false);
+  }
+
+  void AddSafeguards(CLI::App& leaf) {
+    OperationOptions& options = values_.operation;
+    leaf.add_flag("--check", options.check, "Only show what it would work on and do; nothing is changed");
+    leaf.add_flag("--yes", options.yes, "Do not ask");
+    leaf.add_option("--journal", options.journal, "Append what happens to FILE, as lines of JSON")->type_name("FILE");
+  }
+
   CLI::App& Group(const std::string& name, const std::string& description) {
     CLI::App& group = *app_.add_subcommand(name, description);
     group.require_subcommand(1)->fallthrough();
@@ -106,7 +165,7 @@ class Grammar {
     // Called when the whole line has been read: what runs later keeps the values, not this object.
     leaf.fallthrough()->callback([&request = request_, &values = values_, operation, command = std::move(command)] {
       request.operation = operation;
-      request.run = [command, values](Target& target) { return command(target, values); };
+      request.run = [command, values](const Context& context) { return command(context, values); };
     });
     return leaf;
   }
@@ -127,7 +186,8 @@ class Grammar {
 }  // namespace
 
 std::variant<Request, Finished> ParseCommandLine(int argc, const char* const* argv) {
-  CLI::App app{"Reads a blade chassis through the CIM server of its management module.", "orvane"};
+  CLI::App app{"Reads, updates, restarts and reseats the parts of a blade chassis through its management module.",
+               "orvane"};
   Request request;
   Values values;
   app.require_subcommand(1);
@@ -150,7 +210,7 @@ std::variant<Request, Finished> ParseCommandLine(int argc, const char* const* ar
     return Finished{success ? ExitStatus::kDone : ExitStatus::kUsage};
   }
   request.simulate = !values.model.empty();
-  if (values.model != kBuiltInModel) request.modelPath = values.model;
+  if (values.model != kBuiltInModel) request.simulation.modelPath = values.model;
   request.json = values.output == "json";
   return request;
 }

@@ -7,10 +7,11 @@
 #include <variant>
 
 #include "cli/connection.h"
+#include "cli/context.h"
+#include "cli/embedded_simulator.h"
 #include "cli/exit_status.h"
 #include "cli/log_capture.h"
 #include "cli/outcome.h"
-#include "cli/target.h"
 
 namespace Orvane::cli {
 
@@ -19,10 +20,12 @@ struct Request {
   ConnectionOptions connection;
   LogOptions log;
   bool simulate = false;
-  std::string modelPath;  ///< For --simulate; empty means the built-in chassis.
+  Simulation simulation;
   bool json = false;
-  std::string operation;  ///< The command's words: "cmm list".
-  std::function<Outcome(Target&)> run;
+  bool jsonLines = false;         ///< Standard error consists of JSON lines.
+  std::string operation;          ///< The command's words: "cmm list".
+  std::function<void()> prepare;  ///< May be empty; refuses what cannot go well before anything is connected.
+  std::function<Outcome(const Context&)> run;
 };
 
 /// The program has nothing more to do: help was asked for, or the usage was wrong. The texts are printed already.

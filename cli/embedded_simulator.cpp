@@ -3,9 +3,12 @@
 
 #include <orvane/simulator/simulator.h>
 
+#include <chrono>
 #include <exception>
 #include <random>
 #include <system_error>
+#include <thread>
+#include <utility>
 
 #include "cli/failure.h"
 #include "cli/text.h"
@@ -29,14 +32,37 @@ simulator::Model ModelOf(const std::string& path) {
   return path.empty() ? simulator::BuiltInModel() : simulator::LoadModel(path);
 }
 
+class SimulatedTime : public PassingTime {
+ public:
+  explicit SimulatedTime(std::shared_ptr<simulator::ManualClock> clock) : clock_(std::move(clock)) {}
+
+  std::chrono::milliseconds Now() const override { return clock_->Now(); }
+
+  void Pass(std::chrono::milliseconds duration) override {
+    clock_->Advance(duration);
+    std::this_thread::sleep_for(kShownFor);
+  }
+
+  std::chrono::milliseconds Slice() const override { return kSlice; }
+
+ private:
+  // A pause of a minute is seen to pass, in a tenth of a second.
+  static constexpr std::chrono::milliseconds kSlice{10000};
+  static constexpr std::chrono::milliseconds kShownFor{10};
+
+  std::shared_ptr<simulator::ManualClock> clock_;
+};
+
 }  // namespace
 
-EmbeddedSimulator::EmbeddedSimulator(const std::string& modelPath) {
+EmbeddedSimulator::EmbeddedSimulator(const Simulation& simulation)
+    : clock_(std::make_shared<simulator::ManualClock>()) {
   try {
     simulator::Options options;
     options.password = RandomPassword();
     options.httpPort = kProtocolOff;
-    simulator_ = std::make_unique<simulator::Simulator>(ModelOf(modelPath), options);
+    options.clock = clock_;
+    simulator_ = std::make_unique<simulator::Simulator>(ModelOf(simulation.modelPath), options);
     access_ = {options.address, simulator_->HttpsPort(), options.user, options.password};
   } catch (const simulator::ModelError& error) {
     throw Failure(ExitStatus::kUsage, kNoLibraryCode, "the model cannot be used: " + Neutralise(error.what()));
@@ -46,5 +72,7 @@ EmbeddedSimulator::EmbeddedSimulator(const std::string& modelPath) {
 }
 
 EmbeddedSimulator::~EmbeddedSimulator() = default;
+
+std::unique_ptr<PassingTime> EmbeddedSimulator::Time() const { return std::make_unique<SimulatedTime>(clock_); }
 
 }  // namespace Orvane::cli

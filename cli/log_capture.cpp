@@ -10,14 +10,20 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <utility>
 
+#include "cli/masking.h"
 #include "cli/text.h"
+#include "cli/write_all.h"
 
 namespace Orvane::cli {
 namespace {
 
 constexpr unsigned kNeededLevel = 3;
 constexpr unsigned kLevelOfFiles = 1;
+constexpr unsigned kWatchedLevel = 4;
+// An operation may be followed for days.
+constexpr std::size_t kMostRecords = 20000;
 
 std::optional<std::string> Environment(const char* name) {
   const char* value = std::getenv(name);
@@ -63,22 +69,32 @@ void LogCapture::Clear() {
 
 std::vector<Log::Record> LogCapture::Records() const {
   const std::lock_guard<std::mutex> lock(mutex_);
-  return records_;
+  return {records_.begin(), records_.end()};
 }
 
-void LogCapture::Take(const Log::Record& record) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  records_.push_back(record);
-  if (record.level > shownLevel_) return;
-  // One write per line: several processes may append to one file.
-  const std::string line = FormatRecord(record) + "\n";
-  std::string_view rest = line;
-  while (!rest.empty()) {
-    const ssize_t written = write(fd_, rest.data(), rest.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) break;  // a full disk must not end an inventory
-    rest.remove_prefix(static_cast<std::size_t>(written));
+void LogCapture::SetObserver(Observer observer) {
+  const bool watched = observer != nullptr;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    observer_ = std::move(observer);
   }
+  Log::SetMinLogLevel(std::max(watched ? kWatchedLevel : kNeededLevel, shownLevel_));
+}
+
+LogCapture::Watch::Watch(LogCapture& log, Observer observer) : log_(log) { log_.SetObserver(std::move(observer)); }
+
+LogCapture::Watch::~Watch() { log_.SetObserver({}); }
+
+void LogCapture::Take(const Log::Record& taken) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  Log::Record record = taken;
+  record.text = MaskCredentials(record.text);
+  const bool shown = record.level <= shownLevel_;
+  if (observer_) observer_(record, shown && fd_ == STDERR_FILENO);
+  // A full disk must not end an operation. One write per line: several processes may append to one file.
+  if (shown) WriteAll(fd_, FormatRecord(record) + "\n");
+  records_.push_back(std::move(record));
+  if (records_.size() > kMostRecords) records_.pop_front();
 }
 
 }  // namespace Orvane::cli

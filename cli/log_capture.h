@@ -4,6 +4,8 @@
 
 #include <orvane/log.h>
 
+#include <deque>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -30,10 +32,27 @@ class LogCapture {
   /// Forgets the records kept so far.
   void Clear();
 
-  /// The records kept since the last Clear(), in order: levels 1 to 3, and 4 when it is shown.
+  /// The records kept since the last Clear(), in order: levels 1 to 3, and 4 when it is shown or watched. Credentials
+  /// in URIs are masked. Of very many the oldest are gone.
   std::vector<Log::Record> Records() const;
 
+  /// Receives every record before it is written; must not log. @p shown: a line on standard error follows.
+  using Observer = std::function<void(const Log::Record& record, bool shown)>;
+
+  /// While it lives, records of all levels go to an observer. One at a time.
+  class Watch {
+   public:
+    Watch(LogCapture& log, Observer observer);
+    ~Watch();
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+   private:
+    LogCapture& log_;
+  };
+
  private:
+  void SetObserver(Observer observer);
   void Take(const Log::Record& record);
 
   unsigned shownLevel_ = 0;
@@ -41,7 +60,8 @@ class LogCapture {
   int fd_ = -1;
   bool ownsFd_ = false;
   mutable std::mutex mutex_;
-  std::vector<Log::Record> records_;
+  std::deque<Log::Record> records_;
+  Observer observer_;
 };
 
 }  // namespace Orvane::cli

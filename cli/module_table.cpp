@@ -1,4 +1,4 @@
-// Columns are chosen so that a full chassis fits on one screen; the JSON output holds every field.
+// Columns are chosen so that a full chassis fits on one screen of 120 columns; the JSON output holds every field.
 #include "cli/module_table.h"
 
 #include <algorithm>
@@ -9,9 +9,9 @@
 namespace Orvane::cli {
 namespace {
 
-constexpr std::size_t kNameWidth = 28;
-constexpr std::size_t kNumberWidth = 20;
-constexpr std::size_t kVersionWidth = 26;
+constexpr std::size_t kNameWidth = 27;
+constexpr std::size_t kNumberWidth = 16;
+constexpr std::size_t kVersionWidth = 22;
 
 std::string BayText(int slot) { return slot < 0 ? std::string() : std::to_string(slot); }
 
@@ -31,11 +31,9 @@ ModuleTable::ModuleTable()
     : table_({{"BAY", 0},
               {"KIND", 0},
               {"NAME", kNameWidth},
-              {"PART NUMBER", kNumberWidth},
-              {"SERIAL NUMBER", kNumberWidth},
+              {"SERIAL", kNumberWidth},
               {"ACTIVE", kVersionWidth},
               {"FALLBACK", kVersionWidth},
-              {"BOOT", kVersionWidth},
               {"ADDRESSES", 0}}) {}
 
 void ModuleTable::Add(const std::string& kind, const Physicallnfo& physical, const std::string& name,
@@ -44,11 +42,9 @@ void ModuleTable::Add(const std::string& kind, const Physicallnfo& physical, con
   table_.AddRow({{BayText(physical.SlotNumber)},
                  {kind},
                  {name},
-                 {physical.PartNumber},
                  {physical.SerialNumber},
                  firmware.active,
                  firmware.fallback,
-                 firmware.boot,
                  Addresses(ips)});
   ++rows_;
 }
@@ -57,12 +53,12 @@ void ModuleTable::AddCmms(const std::vector<CMMData>& primary, const Equipment& 
   std::vector<int> standby = all.bays;
   for (const CMMData& cmm : primary) {
     const std::string& product = cmm.Physical.ProductName;
-    Add("CMM (primary)", cmm.Physical, Trim(product).empty() ? cmm.Name : product, cmm.Firmwares, cmm.IPs);
+    Add("CMM primary", cmm.Physical, Trim(product).empty() ? cmm.Name : product, cmm.Firmwares, cmm.IPs);
     const auto bay = std::find(standby.begin(), standby.end(), cmm.Physical.SlotNumber);
     if (bay != standby.end()) standby.erase(bay);
   }
   // Without any primary one the rest is not known to stand by: then the details could not be read.
-  const std::string kind = primary.empty() ? "CMM" : "CMM (standby)";
+  const std::string kind = primary.empty() ? "CMM" : "CMM standby";
   for (const int bay : standby) {
     table_.AddRow({{std::to_string(bay)}, {kind}});
     ++rows_;

@@ -39,7 +39,7 @@ ALLOWED = {
     "pegasus": {"pegasus", "pegasus internals"},
     "cmm": {"cmm", "cmm internals", "pegasus", "logger", "platform"},
     "simulator": {"simulator", "simulator internals"},
-    "cli": {"cli", "cmm", "simulator", "logger"},
+    "cli": {"cli", "cmm", "simulator", "logger", "platform"},
 }
 # A platform test installs replacements of the sleep; every room's tests may watch the log and control the time.
 TESTS_ALLOWED = {"testing", "logger", "platform"}

@@ -230,7 +230,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUsage{"NoCommand", {{}, {}, ""}, "subcommand is required"},
         WrongUsage{"UnknownCommand", {{"--simulate", "explode"}, {}, ""}, "explode"},
         WrongUsage{"HalfACommand", {{"--simulate", "cmm"}, {}, ""}, "subcommand is required"},
-        WrongUsage{"CommandThatDoesNotExistYet", {{"--simulate", "cmm", "update"}, {}, ""}, "update"},
+        WrongUsage{"NoPackage", {{"--simulate", "cmm", "update", "--yes"}, {}, ""}, "--package"},
         WrongUsage{"PasswordAsOption", {With(kAccess, {"--password", "x"}), {}, ""}, "--password"},
         WrongUsage{"NoHost", {{"chassis"}, {}, ""}, "--host"},
         WrongUsage{"NoUser", {{"--host", "127.0.0.1", "chassis"}, {}, ""}, "--user"},

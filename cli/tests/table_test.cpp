@@ -112,8 +112,8 @@ TEST(ModuleTable, CallsACmmWithoutDetailsStandbyBesideAPrimary) {
   ModuleTable table;
   table.AddCmms({CmmInBay(1)}, {"1,2", {1, 2}});
 
-  EXPECT_THAT(table.Text(), HasSubstr("1    CMM (primary)  cmm01"));
-  EXPECT_THAT(table.Text(), HasSubstr("2    CMM (standby)"));
+  EXPECT_THAT(table.Text(), HasSubstr("1    CMM primary  cmm01"));
+  EXPECT_THAT(table.Text(), HasSubstr("2    CMM standby"));
 }
 
 TEST(ModuleTable, DoesNotCallACmmStandbyWhenNoneCouldBeRead) {

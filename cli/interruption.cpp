@@ -1,0 +1,66 @@
+// The handler only writes one byte into a pipe, which is all that may safely be done there.
+#include "cli/interruption.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <system_error>
+#include <utility>
+
+#include "cli/exit_status.h"
+
+namespace Orvane::cli {
+namespace {
+
+constexpr char kSignalled = 's';
+constexpr char kNoLongerWatched = 'n';
+constexpr std::array<int, 2> kSignals = {SIGINT, SIGTERM};
+
+// What the handler needs: where to write, and what to put back afterwards.
+volatile std::sig_atomic_t writeEnd = -1;
+std::array<struct sigaction, kSignals.size()> actionsBefore;
+
+void OnSignal(int) {
+  const int before = errno;
+  // A full or closed pipe needs no second byte.
+  if (write(static_cast<int>(writeEnd), &kSignalled, 1) < 0) errno = before;
+}
+
+}  // namespace
+
+Interruption::Interruption(std::function<void()> report) : report_(std::move(report)) {
+  std::array<int, 2> ends{};
+  if (pipe2(ends.data(), O_CLOEXEC) != 0) throw std::system_error(errno, std::generic_category(), "pipe2");
+  readEnd_ = ends[0];
+  writeEnd = ends[1];
+  watcher_ = std::thread([this] { Watch(); });
+  struct sigaction action = {};
+  action.sa_handler = OnSignal;
+  // Requests go on undisturbed; the second signal has its own effect again.
+  action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+  for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &action, &actionsBefore[i]);
+}
+
+Interruption::~Interruption() {
+  for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &actionsBefore[i], nullptr);
+  while (write(static_cast<int>(writeEnd), &kNoLongerWatched, 1) < 0 && errno == EINTR) {
+  }
+  watcher_.join();
+  close(static_cast<int>(writeEnd));
+  close(readEnd_);
+  writeEnd = -1;
+}
+
+void Interruption::Watch() {
+  char what = 0;
+  while (read(readEnd_, &what, 1) < 0 && errno == EINTR) {
+  }
+  if (what != kSignalled) return;
+  report_();
+  _exit(ToInt(ExitStatus::kInterrupted));
+}
+
+}  // namespace Orvane::cli

@@ -1,0 +1,22 @@
+// Rows with a line stand before the row of the same code without one, so the first that fits is the most telling.
+#include "cli/operations/results.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace Orvane::cli {
+
+Result FindResult(const ResultTable& table, int code, const std::vector<Log::Record>& records) {
+  for (const ResultRow& row : table) {
+    if (row.code != code && row.code != kEveryOtherCode) continue;
+    if (row.line == nullptr) return {&row, {}};
+    const std::string_view start = row.line;
+    const auto found = std::find_if(records.begin(), records.end(), [start](const Log::Record& record) {
+      return std::string_view(record.text).substr(0, start.size()) == start;
+    });
+    if (found != records.end()) return {&row, found->text};
+  }
+  return {&table.back(), {}};
+}
+
+}  // namespace Orvane::cli
