@@ -256,6 +256,31 @@ TEST_F(CmmUpdateFlow, CallbackIsBorrowed) {
   EXPECT_NO_THROW(callback.OnMessage("still alive"));
 }
 
+class CmmUpdateVerbosity : public CmmUpdateFlow, public ::testing::WithParamInterface<unsigned> {};
+INSTANTIATE_TEST_SUITE_P(Level, CmmUpdateVerbosity, ::testing::Values(0U, 1U, 2U, 3U));
+
+TEST_P(CmmUpdateVerbosity, WritesTheLinesUpToItsLevelAndChangesNothingElse) {
+  EXPECT_EQ(ApplyWithReboot(), 0);
+  Lines expected;
+  for (const std::string& line : transcript.All()) {
+    const std::size_t blank = line.find(' ');
+    const bool logged = line.compare(0, 4, "cmm_") == 0;
+    if (!logged || static_cast<unsigned>(line[blank + 1] - '0') <= GetParam()) expected.push_back(line);
+  }
+  transcript.Clear();
+  rounds = 0;
+  cmm.Down();
+  cmm.Up();
+  const std::size_t before = Requests("InvokeMethod").size();
+  onSleep = [this, before](std::uint32_t milliseconds) {
+    if (milliseconds == 50000 && !cmm.IsUp()) cmm.Up();
+    if (Requests("InvokeMethod").size() == before + 2 && milliseconds == 2000 && ++rounds == 2) cmm.Down(kSessionA);
+  };
+  const TranscribedLog quieter(transcript, GetParam());
+  EXPECT_EQ(ApplyWithReboot(), 0);
+  EXPECT_THAT(transcript.All(), ElementsAreArray(expected));
+}
+
 class CallbackText : public CmmUpdateFlow, public ::testing::WithParamInterface<const char*> {
  protected:
   /// Throws once, at the text under test.

@@ -298,19 +298,24 @@ enum CMMRebootFlag {
   CMM_REBOOT_NOWAIT = 1  ///< return as soon as the CMM was seen to go down, or did not go down within two minutes
 };
 
-/// Restarts the primary CMM. Prints up to two progress lines to standard output.
+/// Restarts the primary CMM: asks for it, watches for about two minutes whether the CMM goes down, and waits as @p flag
+/// says. Blocks meanwhile. Prints "CMM is doing reboot operation!" to standard output when the CMM went down, and
+/// "Waiting for CMM reboot success!" before it waits. A CMM that does not go down is no failure.
 /// @param port  as for CMMInventory
 /// @return  0  asked for and, with CMM_REBOOT_WAIT, the CMM answered again
-///          1  no connection, or the CMM did not answer again within 4000 seconds
+///          1  no connection, or the CMM did not answer again within 80 attempts, 50 seconds apart
 ///          2  the CMM's capabilities could not be read
-///          7  no primary CMM
+///          7  no primary CMM was found, which includes that nothing answers
 ///          9  the CMM does not offer the restart
-/// @throws Pegasus::Exception when the CMM gives no return value or has no capabilities. Thread-safe.
+/// @throws Pegasus::Exception when the CMM accepts no request for the restart or has no capabilities. No connection
+///         stays open. Thread-safe.
 ORVANE_EXPORT int CMMReboot(const std::string& host, unsigned short port, const std::string& user,
                             const std::string& password, CMMRebootFlag flag);
 
 /// Updates the firmware of the primary CMM from a package that the CMM fetches itself.
-/// One thread at a time may use an object; every call blocks until it is done.
+///
+/// Every call opens its own connections, closes them on every way out, and blocks until it is done; an object can be
+/// used again after any outcome. One thread at a time may use an object; separate objects are independent.
 class ORVANE_EXPORT CMMUpdate {
  public:
   enum CMMUpdateOption {
@@ -326,17 +331,20 @@ class ORVANE_EXPORT CMMUpdate {
   CMMUpdate(const CMMUpdate&) = delete;
   CMMUpdate& operator=(const CMMUpdate&) = delete;
 
-  /// Installs the package and follows its job to the end, for hours if need be.
+  /// Installs the package, follows its job to the end, for hours if need be, and then does what @p option says.
   /// @return  0  installed and, with CMM_UPDATE_REBOOT, the CMM answered again
-  ///          1  no connection, at any stage
-  ///          2  the installation failed, or its service could not be read
+  ///          1  no connection: before the installation, while its job was followed, before or after the reboot
+  ///          2  the service could not be read or refused the installation; the job failed, did not start to run within
+  ///             11 polls or ended in an unknown state; or an unexpected CIM error
   ///          6  the CMM started no job
   ///          7  no primary CMM, or no job could be read
   ///          8  the job still ran after 1000 polls
   ///          or what CMMReboot() gave
+  /// @throws what the callback throws, if it is no Pegasus::Exception.
   int Apply(CMMUpdateOption option);
 
-  /// CMMReboot() with CMM_REBOOT_WAIT.
+  /// CMMReboot() with CMM_REBOOT_WAIT: its codes, its lines on standard output and its exceptions. The callback is told
+  /// nothing.
   int Reboot();
 
   /// @param callback  receives the progress texts from now on; null for none. Borrowed: keep it alive.
@@ -588,13 +596,28 @@ class ORVANE_EXPORT Cmm_Blade_Reseat {
   int unused_;
 };
 
-/// The code of a failed installation job's status text, 0 when no known failure stands in it. Thread-safe.
+/// What a failed installation job's status text tells, in any case of letters (that of the global locale). Of several
+/// failures in one text the last of this list counts.
+/// @return  0   no known failure
+///          7   "CURLE(127) - THIS IS AN UNKNOWN CURL ERROR"
+///          8   "DCSC_RC_TIMEOUT"; as it holds "TIMEOUT" too, 16 is what comes back
+///          9   "DCSS_RC_RECV_FAIL"
+///          10  "FINGERPRINT MISMATCH"
+///          11  "FIRMWARE DOWNLOAD OPERATION FAILED"
+///          12  "DCSS_RC_CDT_FAIL"
+///          13  "HOST KEY AUTHENTICATION FAILED"
+///          14  "FAILED TO CONTACT HOST"
+///          15  "FLASHING ENDED WITH FAILURE"
+///          16  "TIMEOUT"
+///          35  "FILE DOES NOT EXIST"
+/// Thread-safe.
 ORVANE_EXPORT int CheckUpdateErrorCode(const std::string& status);
 
-/// The text of a code of CMMUpdate::Apply() or CMMReboot(). Thread-safe.
+/// The text of a code of CMMUpdate::Apply() or CMMReboot(); "Unkown exception." (spelt so) for a code that has none of
+/// its own, among them 6 and 8. Thread-safe.
 ORVANE_EXPORT std::string GetUpdateResultMessage(unsigned int code);
 
-/// The text of a code in the 200 range; "Unknown Error" for every other one. Thread-safe.
+/// The text of the codes 207, 212 and 213; "Unknown Error" for every other one. Thread-safe.
 ORVANE_EXPORT std::string GetUpdateErrorMessage(int code);
 
 }  // namespace Orvane
