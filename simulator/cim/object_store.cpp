@@ -144,19 +144,47 @@ ObjectPath ObjectStore::Add(std::string_view className, const NamedValues& value
   }
 
   const ObjectPath path = instance.Path();
-  if (!byPath_.emplace(NormalForm(path), instances_.size()).second) {
+  if (byPath_.count(NormalForm(path)) != 0) {
     throw CimError(CimStatus::kInvalidParameter, "An instance with the same keys exists already");
   }
-  if (declaration.isAssociation) {
-    std::unordered_set<std::string> ends;
-    for (const Value& value : instance.values) {
-      for (const ObjectPath& reference : value.references) ends.insert(NormalForm(reference));
-    }
-    for (const std::string& end : ends) associationsOf_[end].push_back(instances_.size());
-  }
   instances_.push_back(std::move(instance));
+  Enter(instances_.size() - 1);
   return path;
 }
+
+// Writes the instance of a place into the indexes.
+void ObjectStore::Enter(std::size_t place) {
+  const Instance& instance = instances_[place];
+  byPath_.emplace(NormalForm(instance.Path()), place);
+  if (!instance.declaration->isAssociation) return;
+  std::unordered_set<std::string> ends;
+  for (const Value& value : instance.values) {
+    for (const ObjectPath& reference : value.references) ends.insert(NormalForm(reference));
+  }
+  for (const std::string& end : ends) associationsOf_[end].push_back(place);
+}
+
+bool ObjectStore::Remove(const ObjectPath& path) {
+  const std::string form = NormalForm(path);
+  const auto found = byPath_.find(form);
+  if (found == byPath_.end()) return false;
+  std::unordered_set<std::size_t> gone{found->second};
+  const auto associations = associationsOf_.find(form);
+  if (associations != associationsOf_.end()) gone.insert(associations->second.begin(), associations->second.end());
+
+  std::vector<Instance> kept;
+  kept.reserve(instances_.size() - gone.size());
+  for (std::size_t place = 0; place < instances_.size(); ++place) {
+    if (gone.count(place) == 0) kept.push_back(std::move(instances_[place]));
+  }
+  instances_ = std::move(kept);
+  byPath_.clear();
+  associationsOf_.clear();
+  for (std::size_t place = 0; place < instances_.size(); ++place) Enter(place);
+  return true;
+}
+
+bool ObjectStore::IsSame(const ObjectPath& a, const ObjectPath& b) { return NormalForm(a) == NormalForm(b); }
 
 std::vector<const Instance*> ObjectStore::Enumerate(std::string_view className) const {
   const ClassDeclaration& wanted = Require(className);

@@ -60,6 +60,15 @@ class ObjectStore {
   /// @throws CimError as Get; kNoSuchProperty; kTypeMismatch; kInvalidParameter when a key would change
   void Modify(const ObjectPath& path, const NamedValues& values);
 
+  /// Removes an instance and the associations that refer to it.
+  /// @return whether there was one
+  /// @throws CimError kInvalidClass, kInvalidParameter as Get
+  bool Remove(const ObjectPath& path);
+
+  /// Whether two paths name the same object, whatever the spelling of their names and numbers.
+  /// @throws CimError as Remove
+  static bool IsSame(const ObjectPath& a, const ObjectPath& b);
+
   /// The instances at the other end of the source's associations, each once; empty when there is no such source.
   /// @throws CimError kInvalidParameter when a class of the filter or of the source is unknown, or the source is
   /// misnamed
@@ -68,6 +77,8 @@ class ObjectStore {
   std::size_t Size() const { return instances_.size(); }
 
  private:
+  void Enter(std::size_t place);
+
   std::vector<Instance> instances_;
   /// Normal form of each path to its place in instances_.
   std::unordered_map<std::string, std::size_t> byPath_;

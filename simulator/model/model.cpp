@@ -8,8 +8,8 @@
 
 namespace Orvane::simulator {
 
-Model BuiltInModel() { return Model(BuildModel("built-in model", kBuiltInModelText)); }
+Model BuiltInModel() { return BuildModel("built-in model", kBuiltInModelText); }
 
-Model LoadModel(const std::string& path) { return Model(BuildModel(path, ReadDocumentFile(path))); }
+Model LoadModel(const std::string& path) { return BuildModel(path, ReadDocumentFile(path)); }
 
 }  // namespace Orvane::simulator

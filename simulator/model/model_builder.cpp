@@ -12,9 +12,10 @@
 #include <set>
 #include <utility>
 
+#include "behaviour/settings.h"
 #include "cim/cim_error.h"
+#include "cim/object_store.h"
 #include "model/json_node.h"
-#include "orvane/simulator/simulator.h"
 
 namespace Orvane::simulator {
 
@@ -35,6 +36,8 @@ struct ModuleKind {
   const char* systemClass;
   const char* softwareClass;
   const char* softwareAssociation;
+  /// Begins the part of an image's InstanceID that names the module.
+  const char* softwareIdPrefix;
   const char* packageAssociation;
   const char* packageTag;
   /// Value of Dedicated in the DMTF schema; null for devices, which have none.
@@ -42,6 +45,8 @@ struct ModuleKind {
   /// True when the association of software names the module first ("System", "InstalledSoftware").
   bool isInstalledSoftware;
   bool hasEndpoints;
+  /// Class of what tells the states a client may ask for; null when there are none.
+  const char* capabilitiesClass;
 };
 
 constexpr ModuleKind kCmm = {"cmms",
@@ -50,44 +55,52 @@ constexpr ModuleKind kCmm = {"cmms",
                              "VORTA_CMMComputerSystem",
                              "VORTA_SoftwareIdentity",
                              "VORTA_CMMInstalledSoftwareIdentity",
+                             "cmm",
                              "VORTA_ComputerSystemPackage",
                              "pkg/cmm/",
                              "29",
                              true,
-                             true};
+                             true,
+                             "VORTA_CMMEnabledLogicalElementCapabilities"};
 constexpr ModuleKind kNode = {"nodes",
                               "node",
                               "Node",
                               "VORTA_ComputerSystem",
                               "VORTA_SoftwareIdentity",
                               "VORTA_CMMInstalledSoftwareIdentity",
+                              "node",
                               "VORTA_ComputerSystemPackage",
                               "pkg/node/",
                               "0",
                               true,
-                              true};
+                              true,
+                              nullptr};
 constexpr ModuleKind kSwitch = {"switches",
                                 "iomodule",
                                 "IO Module",
                                 "VORTA_IOModuleComputerSystem",
                                 "VORTA_IOMSoftwareIdentity",
                                 "VORTA_IOMElementFirmwareIdentity",
+                                "iom",
                                 "VORTA_ComputerSystemPackage",
                                 "pkg/io/",
                                 "12",
                                 false,
-                                true};
+                                true,
+                                "VORTA_IOModuleEnabledLogicalElementCapabilities"};
 constexpr ModuleKind kPassThru = {"passThrus",
                                   "iomodule",
                                   "Pass-thru",
                                   "VORTA_PassThroughModule",
                                   "VORTA_PassThruSoftwareIdentity",
                                   "VORTA_PassThruElementFirmwareIdentity",
+                                  "iomodule",
                                   "VORTA_Realizes",
                                   "pkg/io/",
                                   nullptr,
                                   false,
-                                  false};
+                                  false,
+                                  "VORTA_PassThroughModuleEnabledLogicalElementCapabilities"};
 
 struct TextMember {
   const char* member;
@@ -117,6 +130,24 @@ constexpr TextMember kEndpointNumbers[] = {{"ipv6SubnetPrefixLength", "IPv6Subne
                                            {"protocolIFType", "ProtocolIFType"},
                                            {"addressOrigin", "AddressOrigin"}};
 
+// Durations in seconds of simulated time.
+struct DurationMember {
+  const char* member;
+  std::chrono::seconds Timing::*duration;
+};
+constexpr DurationMember kDurations[] = {
+    {"cmmJobStart", &Timing::cmmJobStart},     {"moduleJobStart", &Timing::moduleJobStart},
+    {"cmmInstall", &Timing::cmmInstall},       {"moduleInstall", &Timing::moduleInstall},
+    {"cmmShutdown", &Timing::cmmShutdown},     {"cmmRestart", &Timing::cmmRestart},
+    {"moduleRestart", &Timing::moduleRestart}, {"nodeRestart", &Timing::nodeRestart},
+    {"jobRemoval", &Timing::jobRemoval}};
+constexpr std::uint64_t kLongestDuration = 86400;
+
+// Reset, and the chassis's own state for a virtual reseat.
+constexpr const char* kDefaultRequestedStates[] = {"11", "32769"};
+// On, Off - Soft, and the chassis's own state for a virtual reseat.
+constexpr const char* kDefaultPowerStates[] = {"2", "8", "32769"};
+
 std::string TwoDigits(std::uint64_t number) { return (number < 10 ? "0" : "") + std::to_string(number); }
 
 void Add(NamedValues& values, const char* property, std::string text) {
@@ -142,12 +173,20 @@ void AddTextArray(NamedValues& values, const JsonNode& node, const TextMember& r
   values.emplace_back(row.property, Value::Texts(std::move(texts)));
 }
 
-void AddNumberArray(NamedValues& values, const JsonNode& node, const TextMember& row) {
-  const auto member = node.Find(row.member);
-  if (!member) return;
+std::vector<std::string> Numbers(const JsonNode& node) {
   std::vector<std::string> texts;
-  for (const JsonNode& element : member->Elements()) texts.push_back(std::to_string(element.Number(0, kUint16Max)));
-  values.emplace_back(row.property, Value::Texts(std::move(texts)));
+  for (const JsonNode& element : node.Elements()) texts.push_back(std::to_string(element.Number(0, kUint16Max)));
+  return texts;
+}
+
+void AddNumberArray(NamedValues& values, const JsonNode& node, const TextMember& row) {
+  if (const auto member = node.Find(row.member)) values.emplace_back(row.property, Value::Texts(Numbers(*member)));
+}
+
+template <std::size_t N>
+std::vector<std::string> NumbersOr(const JsonNode& node, const char* name, const char* const (&whenMissing)[N]) {
+  const auto member = node.Find(name);
+  return member ? Numbers(*member) : std::vector<std::string>(std::begin(whenMissing), std::end(whenMissing));
 }
 
 // An empty address is allowed: it is what an endpoint without that protocol may show.
@@ -193,13 +232,15 @@ Value ToValue(const JsonNode& node, const PropertyDeclaration& property) {
 
 class Builder {
  public:
-  std::shared_ptr<ObjectStore> Build(const JsonNode& root) {
-    root.RequireObject(
-        {"$schema", "formatVersion", "chassis", "bays", "cmms", "switches", "passThrus", "nodes", "extraInstances"});
+  Model Build(const JsonNode& root) {
+    root.RequireObject({"$schema", "formatVersion", "chassis", "bays", "timing", "cmms", "switches", "passThrus",
+                        "nodes", "extraInstances"});
     if (const auto schema = root.Find("$schema")) schema->Text();
     root.Require("formatVersion").Number(1, 1);
     AddChassis(root.Require("chassis"));
     AddSlots(root.Find("bays"));
+    if (const auto timing = root.Find("timing")) ReadTiming(*timing);
+    AddInstallationService();
     AddRedundancySet();
     for (const ModuleKind* kind : {&kCmm, &kNode, &kSwitch, &kPassThru}) {
       if (const auto list = root.Find(kind->listName)) {
@@ -209,10 +250,31 @@ class Builder {
     if (const auto extra = root.Find("extraInstances")) {
       for (const JsonNode& instance : extra->Elements()) AddExtraInstance(instance);
     }
-    return store_;
+    return Model(store_, settings_);
   }
 
  private:
+  void ReadTiming(const JsonNode& node) {
+    node.RequireObject({"cmmJobStart", "moduleJobStart", "cmmInstall", "moduleInstall", "cmmShutdown", "cmmRestart",
+                        "moduleRestart", "nodeRestart", "jobRemoval"});
+    for (const DurationMember& row : kDurations) {
+      if (const auto member = node.Find(row.member)) {
+        settings_->timing.*row.duration = std::chrono::seconds(member->Number(0, kLongestDuration));
+      }
+    }
+  }
+
+  void AddInstallationService() {
+    NamedValues values;
+    Add(values, "SystemCreationClassName", "CIM_System");
+    Add(values, "SystemName", kChassisTag);
+    Add(values, "Name", "FirmwareUpdate");
+    Add(values, "ElementName", "Firmware update of the chassis");
+    Add(values, "EnabledState", "2");
+    Add(values, "Started", "TRUE");
+    store_->Add("VORTA_SoftwareInstallationService", values);
+  }
+
   void AddChassis(const JsonNode& node) {
     node.RequireObject({"name", "elementName", "manufacturer", "model", "partNumber", "serialNumber"});
     NamedValues values;
@@ -252,16 +314,17 @@ class Builder {
 
   static void RequireKnownMembers(const ModuleKind& kind, const JsonNode& node) {
     if (&kind == &kCmm) {
-      node.RequireObject({"bay", "elementName", "enabledState", "package", "firmware", "endpoints", "spare"});
+      node.RequireObject(
+          {"bay", "elementName", "enabledState", "package", "firmware", "endpoints", "spare", "requestedStates"});
     } else if (&kind == &kSwitch) {
       node.RequireObject({"bay", "elementName", "enabledState", "package", "firmware", "endpoints", "ehcmState",
                           "ehcmFirmwareUpdateSupported", "deferredUpdateSupported", "postStatus",
-                          "postStatusDescription"});
+                          "postStatusDescription", "requestedStates", "installAs"});
     } else if (&kind == &kPassThru) {
-      node.RequireObject(
-          {"bay", "elementName", "enabledState", "package", "firmware", "postStatus", "postStatusDescription"});
+      node.RequireObject({"bay", "elementName", "enabledState", "package", "firmware", "postStatus",
+                          "postStatusDescription", "requestedStates"});
     } else {
-      node.RequireObject({"bay", "elementName", "package", "firmware", "endpoints", "powerState"});
+      node.RequireObject({"bay", "elementName", "package", "firmware", "endpoints", "powerState", "powerStates"});
     }
   }
 
@@ -328,7 +391,29 @@ class Builder {
     if (const auto firmware = node.Find("firmware")) AddFirmware(kind, *firmware, name, system);
     if (const auto endpoints = node.Find("endpoints")) AddEndpoints(*endpoints, name, system);
     if (&kind == &kCmm && IsSpare(node)) Associate("VORTA_IsSpare", "Antecedent", system, "Dependent", redundancySet_);
-    if (&kind == &kNode) AddPowerService(IsOn(node), name, system);
+    if (&kind == &kNode) AddPowerService(node, name, system);
+    if (kind.capabilitiesClass != nullptr) AddCapabilities(kind, node, name, system);
+    if (&kind == &kSwitch && InstallsAsNext(node)) settings_->installsAsNext.insert(name);
+  }
+
+  static bool InstallsAsNext(const JsonNode& node) {
+    const auto place = node.Find("installAs");
+    if (!place) return false;
+    const std::string text = place->Text();
+    if (text != "fallback" && text != "next") place->Fail("must be \"fallback\" or \"next\"");
+    return text == "next";
+  }
+
+  void AddCapabilities(const ModuleKind& kind, const JsonNode& node, const std::string& name,
+                       const ObjectPath& system) {
+    NamedValues values;
+    Add(values, "InstanceID", "VORTA:" + name + ":capabilities");
+    Add(values, "ElementName", "Capabilities of " + name);
+    Add(values, "ElementNameEditSupported", "FALSE");
+    values.emplace_back("RequestedStatesSupported",
+                        Value::Texts(NumbersOr(node, "requestedStates", kDefaultRequestedStates)));
+    const ObjectPath capabilities = store_->Add(kind.capabilitiesClass, values);
+    Associate("VORTA_ElementCapabilities", "ManagedElement", system, "Capabilities", capabilities);
   }
 
   void AddPackage(const ModuleKind& kind, const JsonNode& node, const std::string& name, const ObjectPath& system) {
@@ -345,13 +430,14 @@ class Builder {
   }
 
   void AddFirmware(const ModuleKind& kind, const JsonNode& list, const std::string& name, const ObjectPath& system) {
+    const std::string idStart = std::string("VORTA:") + kind.softwareIdPrefix + name.substr(name.size() - 2) + ":";
     std::set<std::string> taken;
     for (const JsonNode& node : list.Elements()) {
       node.RequireObject({"id", "elementName", "manufacturer", "versionString", "majorVersion", "minorVersion",
                           "revisionNumber", "buildNumber", "targetTypes", "classifications", "classifcations",
                           "classificationDescriptions", "status"});
       NamedValues values;
-      Add(values, "InstanceID", "VORTA:" + name + ":" + UniqueName(node, "id", taken));
+      Add(values, "InstanceID", idStart + UniqueName(node, "id", taken));
       AddTexts(values, node, kFirmwareTexts);
       for (const TextMember& row : kFirmwareNumbers) AddNumber(values, node, row);
       AddTextArray(values, node, {"targetTypes", "TargetTypes"});
@@ -389,7 +475,7 @@ class Builder {
     }
   }
 
-  void AddPowerService(bool isOn, const std::string& name, const ObjectPath& system) {
+  void AddPowerService(const JsonNode& node, const std::string& name, const ObjectPath& system) {
     NamedValues values;
     Add(values, "SystemCreationClassName", system.className);
     Add(values, "SystemName", name);
@@ -397,9 +483,9 @@ class Builder {
     Add(values, "ElementName", "Power of " + name);
     const ObjectPath service = store_->Add("VORTA_PowerManagementService", values);
     NamedValues state;
-    Add(state, "PowerState", isOn ? "2" : "8");  // On, Off - Soft
-    // On, Off - Soft, and the chassis's own state for a virtual reseat.
-    state.emplace_back("AvailableRequestedPowerStates", Value::Texts({"2", "8", "32769"}));
+    Add(state, "PowerState", IsOn(node) ? "2" : "8");  // On, Off - Soft
+    state.emplace_back("AvailableRequestedPowerStates",
+                       Value::Texts(NumbersOr(node, "powerStates", kDefaultPowerStates)));
     Associate("VORTA_AssociatedPowerManagementService", "ServiceProvided", service, "UserOfService", system,
               std::move(state));
   }
@@ -432,6 +518,7 @@ class Builder {
   }
 
   std::shared_ptr<ObjectStore> store_ = std::make_shared<ObjectStore>();
+  std::shared_ptr<ChassisSettings> settings_ = std::make_shared<ChassisSettings>();
   std::map<std::string, std::uint64_t> bayCounts_ = {{"cmm", 2}, {"iomodule", 8}, {"node", 16}};
   std::map<std::string, ObjectPath> slots_;
   std::set<std::string> takenBays_;
@@ -440,7 +527,7 @@ class Builder {
 
 }  // namespace
 
-std::shared_ptr<const ObjectStore> BuildModel(const std::string& file, const std::string& text) {
+Model BuildModel(const std::string& file, const std::string& text) {
   const nlohmann::json document = ParseDocument(file, text);
   return Builder().Build(JsonNode(document, file));
 }

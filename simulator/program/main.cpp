@@ -9,6 +9,7 @@
 #include <ctime>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -23,6 +24,7 @@ using Orvane::simulator::LoadModel;
 using Orvane::simulator::Model;
 using Orvane::simulator::Options;
 using Orvane::simulator::ReadPasswordFile;
+using Orvane::simulator::ScaledClock;
 using Orvane::simulator::Simulator;
 
 constexpr int kStopped = 0;
@@ -30,6 +32,8 @@ constexpr int kCannotListen = 1;
 constexpr int kWrongInput = 2;
 constexpr int kHighestPort = 65535;
 constexpr int kLongestRunSeconds = 86400 * 365;
+constexpr double kLowestScale = 0.001;
+constexpr double kHighestScale = 1000000;
 
 struct Arguments {
   std::string modelFile;
@@ -40,6 +44,7 @@ struct Arguments {
   std::string passwordFile;
   bool noAuthentication = false;
   std::optional<int> runSeconds;
+  double timeScale = 1.0;
 };
 
 void Describe(CLI::App& app, Arguments& arguments) {
@@ -53,6 +58,9 @@ void Describe(CLI::App& app, Arguments& arguments) {
   app.add_flag("--no-authentication", arguments.noAuthentication, "Serve everybody")->excludes(file);
   app.add_option("--run-seconds", arguments.runSeconds, "Stop by itself after this time")
       ->check(CLI::Range(1, kLongestRunSeconds));
+  app.add_option("--time-scale", arguments.timeScale, "Seconds that pass in the chassis in a second, 0.001 to 1000000")
+      ->capture_default_str()
+      ->check(CLI::Range(kLowestScale, kHighestScale));
 }
 
 Options ToOptions(const Arguments& arguments) {
@@ -83,18 +91,19 @@ void WaitForStop(const sigset_t& signals, const std::optional<int>& seconds) {
   }
 }
 
-int Serve(Model model, const Options& options, const std::optional<int>& runSeconds) {
+int Serve(Model model, Options options, const Arguments& arguments) {
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGINT);
   sigaddset(&signals, SIGTERM);
   ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  options.clock = std::make_shared<ScaledClock>(arguments.timeScale);
   const Simulator simulator(std::move(model), options);
   nlohmann::ordered_json ports;
   if (simulator.HttpPort() != 0) ports["http"] = simulator.HttpPort();
   if (simulator.HttpsPort() != 0) ports["https"] = simulator.HttpsPort();
   std::cout << ports.dump() << std::endl;
-  WaitForStop(signals, runSeconds);
+  WaitForStop(signals, arguments.runSeconds);
   return kStopped;
 }
 
@@ -116,7 +125,7 @@ int Run(int argc, char** argv) {
     std::cerr << "orvane-simulator: " << error.what() << "\n";
     return kWrongInput;
   }
-  return Serve(std::move(*model), options, arguments.runSeconds);
+  return Serve(std::move(*model), std::move(options), arguments);
 }
 
 }  // namespace

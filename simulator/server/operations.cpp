@@ -190,7 +190,8 @@ void CheckSentType(const ClassDeclaration& declaration, const SentProperty& sent
   }
 }
 
-void ModifyInstance(const Request& request, ObjectStore& store) {
+// @return the path of the instance
+ObjectPath ModifyInstance(const Request& request, ObjectStore& store) {
   const Parameters parameters(request, {"ModifiedInstance", "IncludeQualifiers", "PropertyList"});
   const auto& [path, sent] = parameters.NamedInstance("ModifiedInstance");
   const ClassDeclaration& declaration = *store.Get(path).declaration;
@@ -211,6 +212,7 @@ void ModifyInstance(const Request& request, ObjectStore& store) {
     if (std::none_of(sent.begin(), sent.end(), isIt)) InvalidParameter("No value was sent for " + Quoted(name));
   }
   store.Modify(path, values);
+  return path;
 }
 
 struct ReadingOperation {
@@ -241,31 +243,28 @@ std::string WholeAnswer(const Request& request, const std::string& content) {
 
 }  // namespace
 
-Operations::Operations(ObjectStore store, std::string host) : store_(std::move(store)), host_(std::move(host)) {}
+Operations::Operations(SharedStore& store, std::string host) : store_(store), host_(std::move(host)) {}
 
 void Operations::AddMethod(const std::string& className, const std::string& method, Method action) {
   methods_[{LowerCase(className), LowerCase(method)}] = std::move(action);
 }
 
+void Operations::AddObserver(const std::string& className, ModificationObserver observer) {
+  observers_.emplace_back(className, std::move(observer));
+}
+
 std::uint64_t Operations::Count(const std::string& operation) const {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard<std::mutex> lock(countsMutex_);
   const auto found = counts_.find(operation);
   return found == counts_.end() ? 0 : found->second;
 }
 
 std::string Operations::Answer(const Request& request) {
-  const std::lock_guard<std::mutex> lock(mutex_);
   CountCall(request);
   std::string content;
   try {
     RequireNameSpace(request);
-    if (!request.isIntrinsic) {
-      AppendExtrinsic(content, request);
-    } else if (EqualNames(request.name, "ModifyInstance")) {
-      ModifyInstance(request, store_);
-    } else {
-      AppendIntrinsic(content, request);
-    }
+    store_.With([&](ObjectStore& store) { Append(content, request, store); });
   } catch (const CimError& error) {
     content.clear();
     AppendError(content, static_cast<int>(error.Status()), error.what());
@@ -278,16 +277,27 @@ std::string Operations::Answer(const Request& request) {
 }
 
 std::string Operations::AnswerError(const Request& request, int code, const std::string& description) {
-  const std::lock_guard<std::mutex> lock(mutex_);
   CountCall(request);
   std::string content;
   AppendError(content, code, description);
   return WholeAnswer(request, content);
 }
 
-void Operations::CountCall(const Request& request) { ++counts_[request.isIntrinsic ? request.name : "InvokeMethod"]; }
+void Operations::CountCall(const Request& request) {
+  const std::lock_guard<std::mutex> lock(countsMutex_);
+  ++counts_[request.isIntrinsic ? request.name : "InvokeMethod"];
+}
 
-void Operations::AppendIntrinsic(std::string& out, const Request& request) const {
+void Operations::Append(std::string& out, const Request& request, ObjectStore& store) const {
+  if (!request.isIntrinsic) return AppendExtrinsic(out, request, store);
+  if (!EqualNames(request.name, "ModifyInstance")) return AppendIntrinsic(out, request, store);
+  const ObjectPath modified = ModifyInstance(request, store);
+  for (const auto& [className, observer] : observers_) {
+    if (IsOrDerivesFrom(*store.Get(modified).declaration, className)) observer(store, modified);
+  }
+}
+
+void Operations::AppendIntrinsic(std::string& out, const Request& request, const ObjectStore& store) const {
   const auto* const found =
       std::find_if(std::begin(kReadingOperations), std::end(kReadingOperations),
                    [&](const ReadingOperation& operation) { return EqualNames(operation.name, request.name); });
@@ -295,7 +305,7 @@ void Operations::AppendIntrinsic(std::string& out, const Request& request) const
     throw CimError(CimStatus::kNotSupported, "The operation " + Quoted(request.name) + " is not supported");
   }
   std::string content;
-  found->append(content, request, {store_, host_});
+  found->append(content, request, {store, host_});
   // An empty result has no IRETURNVALUE, as real servers answer it.
   if (!content.empty()) out += "<IRETURNVALUE>\n" + content + "</IRETURNVALUE>\n";
 }
@@ -309,13 +319,13 @@ const Method* Operations::FindMethod(const ClassDeclaration& declaration, const 
   return nullptr;
 }
 
-void Operations::AppendExtrinsic(std::string& out, const Request& request) {
+void Operations::AppendExtrinsic(std::string& out, const Request& request, ObjectStore& store) const {
   const ClassDeclaration* const declaration = FindClass(request.target.className);
   if (declaration == nullptr) {
     throw CimError(CimStatus::kInvalidClass, "The class " + Quoted(request.target.className) + " does not exist");
   }
   // A path without keys addresses the class itself; all methods here belong to instances.
-  if (!request.target.keys.empty()) store_.Get(request.target);
+  if (!request.target.keys.empty()) store.Get(request.target);
   if (!declaration->HasMethod(request.name)) {
     throw CimError(CimStatus::kMethodNotFound,
                    "The class " + std::string(declaration->name) + " has no method " + Quoted(request.name));
@@ -324,7 +334,7 @@ void Operations::AppendExtrinsic(std::string& out, const Request& request) {
   if (method == nullptr) {
     throw CimError(CimStatus::kMethodNotAvailable, "The method " + Quoted(request.name) + " is not available");
   }
-  const MethodResult result = (*method)(store_, request.target, request.methodParameters);
+  const MethodResult result = (*method)(store, request.target, request.methodParameters);
   out +=
       "<RETURNVALUE PARAMTYPE=\"uint32\">\n<VALUE>" + std::to_string(result.returnValue) + "</VALUE>\n</RETURNVALUE>\n";
   for (const MethodParameter& parameter : result.out) {

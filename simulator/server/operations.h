@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cim/object_store.h"
+#include "cim/shared_store.h"
 #include "wire/request.h"
 
 namespace Orvane::simulator {
@@ -26,15 +27,22 @@ struct MethodResult {
 using Method = std::function<MethodResult(ObjectStore& store, const ObjectPath& target,
                                           const std::vector<MethodParameter>& parameters)>;
 
+/// Called with the store locked after a client has modified an instance.
+using ModificationObserver = std::function<void(ObjectStore& store, const ObjectPath& instance)>;
+
 /// Thread-safe: requests of several clients see one store, one operation at a time.
 class Operations {
  public:
-  /// @param host  name of the server in the paths it hands out
-  Operations(ObjectStore store, std::string host);
+  /// @param store  must outlive it
+  /// @param host   name of the server in the paths it hands out
+  Operations(SharedStore& store, std::string host);
 
   /// Lets a method of a class, which the class repository must declare, and of its subclasses be invoked.
   /// Not thread-safe; call it before the first request.
   void AddMethod(const std::string& className, const std::string& method, Method action);
+
+  /// Tells an observer of modifications of a class and its subclasses. Restriction as for AddMethod.
+  void AddObserver(const std::string& className, ModificationObserver observer);
 
   /// Carries out one request and returns the body of its answer, a CIM error included.
   std::string Answer(const Request& request);
@@ -47,14 +55,16 @@ class Operations {
 
  private:
   void CountCall(const Request& request);
-  void AppendIntrinsic(std::string& out, const Request& request) const;
-  void AppendExtrinsic(std::string& out, const Request& request);
+  void Append(std::string& out, const Request& request, ObjectStore& store) const;
+  void AppendIntrinsic(std::string& out, const Request& request, const ObjectStore& store) const;
+  void AppendExtrinsic(std::string& out, const Request& request, ObjectStore& store) const;
   const Method* FindMethod(const ClassDeclaration& declaration, const std::string& name) const;
 
-  mutable std::mutex mutex_;
-  ObjectStore store_;
+  SharedStore& store_;
   const std::string host_;
   std::map<std::pair<std::string, std::string>, Method> methods_;
+  std::vector<std::pair<std::string, ModificationObserver>> observers_;
+  mutable std::mutex countsMutex_;
   std::map<std::string, std::uint64_t> counts_;
 };
 

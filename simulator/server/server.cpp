@@ -1,271 +1,42 @@
-// The simulator on the network: listeners, connections over TCP and TLS, and HTTP messages on them. Boost.Asio and
-// Boost.Beast stay inside this file; everything that CIM says about HTTP is in http_message.
-#include <algorithm>
-#include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/ssl/context.hpp>
+// The simulator on the network: listeners that can go down and come up again while the chassis lives, and the threads
+// that serve the connections.
+#include <atomic>
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <boost/asio/strand.hpp>
-#include <boost/asio/write.hpp>
-#include <boost/beast/core.hpp>
-#include <boost/beast/http.hpp>
-#include <boost/beast/ssl.hpp>
-#include <chrono>
-#include <cstddef>
+#include <future>
 #include <limits>
-#include <optional>
 #include <system_error>
 #include <thread>
 #include <vector>
 
+#include "behaviour/chassis_life.h"
 #include "orvane/simulator/simulator.h"
 #include "server/certificate.h"
-#include "server/http_message.h"
-#include "server/operations.h"
+#include "server/session.h"
 
 namespace Orvane::simulator {
 
 namespace {
 
-namespace asio = boost::asio;
-namespace beast = boost::beast;
-namespace http = boost::beast::http;
-using Tcp = asio::ip::tcp;
-using PlainStream = beast::tcp_stream;
-using TlsStream = beast::ssl_stream<beast::tcp_stream>;
-using ErrorCode = boost::system::error_code;
-
-constexpr std::uint32_t kHeaderLimit = 64 * 1024;
-constexpr std::uint64_t kBodyLimit = 8 * 1024 * 1024;
-constexpr auto kIdleLimit = std::chrono::seconds(120);
-constexpr auto kDiscardLimit = std::chrono::seconds(5);
-constexpr std::size_t kDiscardBlock = 64 * 1024;
 constexpr std::size_t kThreads = 2;
 constexpr const char* kHostInPaths = "cmm";
-
-struct Service {
-  Authentication authentication;
-  Operations operations;
-};
-
-std::string_view View(beast::string_view text) { return {text.data(), text.size()}; }
-
-// The bytes of a message as they would go onto the wire.
-std::string TextOf(http::response<http::string_body>& message) {
-  std::string text;
-  http::response_serializer<http::string_body> serializer(message);
-  ErrorCode error;
-  while (!serializer.is_done() && !error) {
-    serializer.next(error, [&](ErrorCode& failed, const auto& buffers) {
-      failed = {};
-      text += beast::buffers_to_string(buffers);
-      serializer.consume(beast::buffer_bytes(buffers));
-    });
-  }
-  return text;
-}
-
-// One connection: requests are read and answered one after the other until either side ends it. It lives as long as an
-// operation on it is pending.
-template <typename Stream>
-class Session : public std::enable_shared_from_this<Session<Stream>> {
- public:
-  Session(Stream stream, Service& service) : stream_(std::move(stream)), service_(service) {}
-
-  void Start() {
-    Limit();
-    if constexpr (std::is_same_v<Stream, TlsStream>) {
-      stream_.async_handshake(asio::ssl::stream_base::server,
-                              [self = this->shared_from_this()](const ErrorCode& error) {
-                                if (!error) self->ReadHeader();
-                              });
-    } else {
-      ReadHeader();
-    }
-  }
-
- private:
-  void Limit() { beast::get_lowest_layer(stream_).expires_after(kIdleLimit); }
-
-  void ReadHeader() {
-    Limit();
-    parser_.emplace();
-    parser_->header_limit(kHeaderLimit);
-    parser_->body_limit(kBodyLimit);
-    http::async_read_header(
-        stream_, buffer_, *parser_,
-        [self = this->shared_from_this()](const ErrorCode& error, std::size_t) { self->OnHeader(error); });
-  }
-
-  void OnHeader(const ErrorCode& error) {
-    if (error) return RefuseOrEnd(error);
-    if (beast::iequals(parser_->get()[http::field::expect], "100-continue")) {
-      const auto text = std::make_shared<std::string>("HTTP/1.1 100 Continue\r\n\r\n");
-      asio::async_write(stream_, asio::buffer(*text),
-                        [self = this->shared_from_this(), text](const ErrorCode& failed, std::size_t) {
-                          if (!failed) self->ReadBody();
-                        });
-      return;
-    }
-    ReadBody();
-  }
-
-  void ReadBody() {
-    http::async_read(stream_, buffer_, *parser_,
-                     [self = this->shared_from_this()](const ErrorCode& error, std::size_t) {
-                       if (error) return self->RefuseOrEnd(error);
-                       self->Answer();
-                     });
-  }
-
-  // What is no HTTP, or too much of it, is told so and ends the connection; a connection that broke just ends.
-  void RefuseOrEnd(const ErrorCode& error) {
-    if (error == http::error::body_limit) return Refuse(http::status::payload_too_large);
-    if (error == http::error::header_limit) return Refuse(http::status::request_header_fields_too_large);
-    if (error == http::error::end_of_stream || error == http::error::partial_message) return End();
-    if (error.category() == make_error_code(http::error::end_of_stream).category()) {
-      return Refuse(http::status::bad_request);
-    }
-  }
-
-  void Refuse(http::status status) {
-    HttpReply reply;
-    reply.status = static_cast<int>(status);
-    keepAlive_ = false;
-    refused_ = true;
-    Compose(std::move(reply), false);
-    Write();
-  }
-
-  void Answer() {
-    http::request<http::string_body> message = parser_->release();
-    keepAlive_ = message.keep_alive();
-    // Chunks only for clients that say they know trailers; others get the length in advance.
-    const bool chunked =
-        message.version() >= 11 && beast::http::token_list(message[http::field::te]).exists("trailers");
-    HttpRequest request;
-    request.method = View(message.method_string());
-    request.target = View(message.target());
-    request.contentType = View(message[http::field::content_type]);
-    request.cimOperation = View(message["CIMOperation"]);
-    request.cimMethod = View(message["CIMMethod"]);
-    request.cimObject = View(message["CIMObject"]);
-    request.authorization = View(message[http::field::authorization]);
-    request.body = std::move(message.body());
-    HttpReply reply = AnswerHttp(request, service_.authentication, [this](const Request& call) {
-      HttpReply answered;
-      answered.body = service_.operations.Answer(call);
-      return answered;
-    });
-    Deliver(std::move(reply), chunked);
-  }
-
-  void Deliver(HttpReply reply, bool chunked) {
-    if (reply.delivery.form == Delivery::Form::kNothing) return Cut();
-    const Delivery delivery = reply.delivery;
-    Compose(std::move(reply), chunked);
-    if (delivery.form == Delivery::Form::kCut) return WriteCut(delivery.bodyBytes);
-    Write();
-  }
-
-  void Compose(HttpReply reply, bool chunked) {
-    response_ = {};
-    response_.result(static_cast<unsigned>(reply.status));
-    if (!reply.reason.empty()) response_.reason(reply.reason);
-    if (reply.status == static_cast<int>(http::status::ok)) {
-      response_.set(http::field::content_type, "application/xml; charset=utf-8");
-      response_.set("CIMOperation", "MethodResponse");
-      if (chunked) response_.set(http::field::trailer, "CIMStatusCode, CIMStatusCodeDescription, Content-Language");
-      response_.chunked(chunked);
-    }
-    if (reply.challenge) response_.set(http::field::www_authenticate, "Basic realm=\"cmm\"");
-    if (!reply.cimError.empty()) response_.set("CIMError", reply.cimError);
-    if (reply.status == static_cast<int>(http::status::method_not_allowed)) response_.set(http::field::allow, "POST");
-    for (const auto& [name, value] : reply.headers) response_.set(name, value);
-    response_.body() = std::move(reply.body);
-    response_.keep_alive(keepAlive_);
-    // Also with an empty body, and with every status: clients would wait for more.
-    if (!response_.chunked()) response_.content_length(response_.body().size());
-  }
-
-  void Write() {
-    Limit();
-    http::async_write(stream_, response_, [self = this->shared_from_this()](const ErrorCode& error, std::size_t) {
-      if (error) return;
-      if (self->keepAlive_) return self->ReadHeader();
-      if (self->refused_) return self->Discard();
-      self->End();
-    });
-  }
-
-  // The head as it stands, a part of what follows it, and then nothing more.
-  void WriteCut(std::uint64_t bodyBytes) {
-    const auto text = std::make_shared<std::string>(TextOf(response_));
-    const std::size_t head = text->find("\r\n\r\n") + 4;
-    text->resize(std::min<std::uint64_t>(head + bodyBytes, text->size() - 1));
-    Limit();
-    asio::async_write(stream_, asio::buffer(*text),
-                      [self = this->shared_from_this(), text](const ErrorCode&, std::size_t) { self->Cut(); });
-  }
-
-  // Ends the connection as a server does that is no more: without a farewell, also below TLS.
-  void Cut() {
-    ErrorCode ignored;
-    beast::get_lowest_layer(stream_).socket().shutdown(Tcp::socket::shutdown_both, ignored);
-    beast::get_lowest_layer(stream_).socket().close(ignored);
-  }
-
-  void End() {
-    if constexpr (std::is_same_v<Stream, TlsStream>) {
-      Limit();
-      stream_.async_shutdown([self = this->shared_from_this()](const ErrorCode&) {});
-    } else {
-      ErrorCode ignored;
-      stream_.socket().shutdown(Tcp::socket::shutdown_send, ignored);
-    }
-  }
-
-  // After a request that was not read to its end. A socket closed on unread bytes is reset, and the client may lose the
-  // reply by that; so what still comes is read and dropped for a short time, below TLS if there is any.
-  void Discard() {
-    ErrorCode ignored;
-    beast::get_lowest_layer(stream_).socket().shutdown(Tcp::socket::shutdown_send, ignored);
-    beast::get_lowest_layer(stream_).expires_after(kDiscardLimit);
-    buffer_.clear();
-    DiscardBlock();
-  }
-
-  void DiscardBlock() {
-    beast::get_lowest_layer(stream_).async_read_some(
-        buffer_.prepare(kDiscardBlock), [self = this->shared_from_this()](const ErrorCode& error, std::size_t) {
-          if (!error) self->DiscardBlock();
-        });
-  }
-
-  Stream stream_;
-  Service& service_;
-  beast::flat_buffer buffer_;
-  std::optional<http::request_parser<http::string_body>> parser_;
-  http::response<http::string_body> response_;
-  bool keepAlive_ = true;
-  bool refused_ = false;
-};
+// After a failure that may last (too many open files, a port that is taken) before the next try.
+constexpr auto kPause = std::chrono::milliseconds(100);
+// How often a call that waits for the network looks whether the server ends.
+constexpr auto kLookAround = std::chrono::milliseconds(20);
 
 [[noreturn]] void FailToListen(const ErrorCode& error, const std::string& address, int port) {
   throw std::system_error(error.value(), std::system_category(),
                           "cannot listen on " + address + " port " + std::to_string(port));
 }
 
-Tcp::acceptor Listen(asio::io_context& context, const std::string& address, int port) {
+asio::ip::address ParseAddress(const std::string& address) {
   ErrorCode error;
   const asio::ip::address parsed = asio::ip::make_address(address, error);
   if (error) throw std::invalid_argument("'" + address + "' is not an address to listen on");
-  const Tcp::endpoint endpoint(parsed, static_cast<std::uint16_t>(port));
-  Tcp::acceptor acceptor(context);
-  acceptor.open(endpoint.protocol(), error);
-  if (!error) acceptor.set_option(asio::socket_base::reuse_address(true), error);
-  if (!error) acceptor.bind(endpoint, error);
-  if (!error) acceptor.listen(asio::socket_base::max_listen_connections, error);
-  if (error) FailToListen(error, address, port);
-  return acceptor;
+  return parsed;
 }
 
 void CheckPort(int port) {
@@ -274,43 +45,181 @@ void CheckPort(int port) {
   }
 }
 
+using Strand = asio::strand<asio::io_context::executor_type>;
+
+// One port. All members but the constructor are called on its strand.
+class Listener {
+ public:
+  using Serve = std::function<void(Tcp::socket socket)>;
+
+  // Listens; accepting starts with Accept.
+  Listener(asio::io_context& context, const Strand& strand, const asio::ip::address& address, int port, Serve serve)
+      : context_(context),
+        acceptor_(strand),
+        pause_(strand),
+        endpoint_(address, static_cast<std::uint16_t>(port)),
+        serve_(std::move(serve)) {
+    ErrorCode error;
+    Bind(error);
+    if (!error) acceptor_.listen(asio::socket_base::max_listen_connections, error);
+    if (error) FailToListen(error, address.to_string(), port);
+    endpoint_ = acceptor_.local_endpoint();
+  }
+
+  std::uint16_t Port() const { return endpoint_.port(); }
+
+  void Accept() {
+    acceptor_.async_accept(asio::make_strand(context_),
+                           [this, round = round_](const ErrorCode& error, Tcp::socket socket) {
+                             if (round != round_) return;
+                             if (error && error != asio::error::connection_aborted) return AcceptLater();
+                             if (!error) serve_(std::move(socket));
+                             Accept();
+                           });
+  }
+
+  // The port stays bound, so that nobody else can take it meanwhile.
+  void GoDown() {
+    ++round_;
+    pause_.cancel();
+    ErrorCode ignored;
+    acceptor_.close(ignored);
+    Bind(ignored);
+  }
+
+  void ComeUp() {
+    ErrorCode error;
+    if (!acceptor_.is_open()) Bind(error);
+    if (!error) acceptor_.listen(asio::socket_base::max_listen_connections, error);
+    if (!error) return Accept();
+    acceptor_.close(error);
+    After([this] { ComeUp(); });
+  }
+
+ private:
+  void Bind(ErrorCode& error) {
+    acceptor_.open(endpoint_.protocol(), error);
+    if (!error) acceptor_.set_option(asio::socket_base::reuse_address(true), error);
+    if (!error) acceptor_.bind(endpoint_, error);
+    ErrorCode ignored;
+    if (error) acceptor_.close(ignored);
+  }
+
+  // Trying again at once would only fail again, and burn a processor.
+  void AcceptLater() {
+    After([this] { Accept(); });
+  }
+
+  template <typename Action>
+  void After(Action action) {
+    pause_.expires_after(kPause);
+    pause_.async_wait([this, round = round_, action](const ErrorCode& error) {
+      if (!error && round == round_) action();
+    });
+  }
+
+  asio::io_context& context_;
+  Tcp::acceptor acceptor_;
+  asio::steady_timer pause_;
+  Tcp::endpoint endpoint_;
+  Serve serve_;
+  // Counts the times of going down; what was begun before does not go on after.
+  unsigned round_ = 0;
+};
+
 }  // namespace
 
-class Simulator::Impl {
+class Simulator::Impl : public Network {
  public:
   Impl(const Model& model, const Options& options)
-      : service_{Authentication(options.authentication, options.user, options.password),
-                 Operations(*model.Contents(), kHostInPaths)} {
+      : clock_(options.clock ? options.clock : std::make_shared<ScaledClock>(1.0)),
+        store_(*model.Contents()),
+        service_{Authentication(options.authentication, options.user, options.password),
+                 Operations(store_, kHostInPaths)} {
     CheckPort(options.httpPort);
     CheckPort(options.httpsPort);
     if (options.httpPort < 0 && options.httpsPort < 0) {
       throw std::invalid_argument("neither HTTP nor HTTPS is to be served");
     }
-    if (options.httpPort >= 0) httpAcceptor_ = Listen(context_, options.address, options.httpPort);
+    life_.emplace(store_, *clock_, *this, *model.Settings(),
+                  FetchLimits{options.packageSizeLimit, options.packageTimeLimit});
+    life_->Register(service_.operations);
+    const asio::ip::address address = ParseAddress(options.address);
+    if (options.httpPort >= 0) {
+      http_.emplace(context_, strand_, address, options.httpPort, [this](Tcp::socket socket) {
+        Start(std::make_shared<Session<PlainStream>>(PlainStream(std::move(socket)), service_));
+      });
+    }
     if (options.httpsPort >= 0) {
-      httpsAcceptor_ = Listen(context_, options.address, options.httpsPort);
+      https_.emplace(context_, strand_, address, options.httpsPort, [this](Tcp::socket socket) {
+        Start(std::make_shared<Session<TlsStream>>(TlsStream(std::move(socket), tls_), service_));
+      });
       PrepareTls(options.address);
     }
-    if (httpAcceptor_) AcceptPlain();
-    if (httpsAcceptor_) AcceptTls();
+    for (std::optional<Listener>* listener : {&http_, &https_}) {
+      if (*listener) (*listener)->Accept();
+    }
     for (std::size_t i = 0; i < kThreads; ++i) {
       threads_.emplace_back([this] { context_.run(); });
     }
   }
 
-  ~Impl() {
+  ~Impl() override {
+    isEnding_ = true;
     context_.stop();
     for (std::thread& thread : threads_) thread.join();
+    // After the threads that call it, before the network that it calls.
+    life_.reset();
   }
 
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
 
-  std::uint16_t HttpPort() const { return httpAcceptor_ ? httpAcceptor_->local_endpoint().port() : 0; }
-  std::uint16_t HttpsPort() const { return httpsAcceptor_ ? httpsAcceptor_->local_endpoint().port() : 0; }
+  void GoDown() override {
+    RunOn(strand_, [this] {
+      isUp_ = false;
+      for (std::optional<Listener>* listener : {&http_, &https_}) {
+        if (*listener) (*listener)->GoDown();
+      }
+    });
+    for (const std::shared_ptr<Connection>& connection : connections_.Open()) {
+      RunOn(connection->Executor(), [connection] { connection->Close(); });
+    }
+  }
+
+  void ComeUp() override {
+    RunOn(strand_, [this] {
+      if (std::exchange(isUp_, true)) return;
+      for (std::optional<Listener>* listener : {&http_, &https_}) {
+        if (*listener) (*listener)->ComeUp();
+      }
+    });
+  }
+
+  std::uint16_t HttpPort() const { return http_ ? http_->Port() : 0; }
+  std::uint16_t HttpsPort() const { return https_ ? https_->Port() : 0; }
   const Operations& CimOperations() const { return service_.operations; }
 
  private:
+  template <typename NewSession>
+  void Start(const std::shared_ptr<NewSession>& session) {
+    connections_.Add(session);
+    session->Start();
+  }
+
+  // Returns when the action has run on one of the threads, or the server ends.
+  template <typename Executor, typename Action>
+  void RunOn(const Executor& executor, Action action) {
+    const auto done = std::make_shared<std::promise<void>>();
+    std::future<void> ended = done->get_future();
+    asio::post(executor, [action, done] {
+      action();
+      done->set_value();
+    });
+    while (ended.wait_for(kLookAround) != std::future_status::ready && !isEnding_) {
+    }
+  }
+
   void PrepareTls(const std::string& address) {
     const ServerCertificate certificate = MakeServerCertificate(address);
     tls_.set_options(asio::ssl::context::default_workarounds | asio::ssl::context::no_sslv2 |
@@ -319,27 +228,21 @@ class Simulator::Impl {
     tls_.use_private_key(asio::buffer(certificate.privateKeyPem), asio::ssl::context::pem);
   }
 
-  // A failed accept (too many open files, a client gone again) must not end the listening.
-  void AcceptPlain() {
-    httpAcceptor_->async_accept(asio::make_strand(context_), [this](const ErrorCode& error, Tcp::socket socket) {
-      if (!error) std::make_shared<Session<PlainStream>>(PlainStream(std::move(socket)), service_)->Start();
-      AcceptPlain();
-    });
-  }
-
-  void AcceptTls() {
-    httpsAcceptor_->async_accept(asio::make_strand(context_), [this](const ErrorCode& error, Tcp::socket socket) {
-      if (!error) std::make_shared<Session<TlsStream>>(TlsStream(std::move(socket), tls_), service_)->Start();
-      AcceptTls();
-    });
-  }
-
   // Declared in this order: connections, held by the context, end before what they use.
+  std::atomic<bool> isEnding_{false};
+  std::shared_ptr<Clock> clock_;
+  SharedStore store_;
+  std::optional<ChassisLife> life_;
   Service service_;
+  Connections connections_;
   asio::ssl::context tls_{asio::ssl::context::tls_server};
   asio::io_context context_;
-  std::optional<Tcp::acceptor> httpAcceptor_;
-  std::optional<Tcp::acceptor> httpsAcceptor_;
+  // The threads wait for what comes next also while nothing is open.
+  asio::executor_work_guard<asio::io_context::executor_type> work_{context_.get_executor()};
+  Strand strand_ = asio::make_strand(context_);
+  bool isUp_ = true;  // used on the strand only
+  std::optional<Listener> http_;
+  std::optional<Listener> https_;
   std::vector<std::thread> threads_;
 };
 

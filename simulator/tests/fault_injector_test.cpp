@@ -68,9 +68,10 @@ class Injector : public testing::Test {
 
   std::uint64_t CarriedOut() const { return operations_.Count(kOperation); }
 
-  Operations operations_{*BuiltInModel().Contents(), "cmm"};
+  SharedStore store_{*BuiltInModel().Contents()};
+  Operations operations_{store_, "cmm"};
   NotingChassis chassis_{operations_};
-  const std::string undisturbed_ = Operations(*BuiltInModel().Contents(), "cmm").Answer(Call());
+  const std::string undisturbed_ = Operations(store_, "cmm").Answer(Call());
 };
 
 TEST_F(Injector, WithoutFaultsAnswersAsEver) {

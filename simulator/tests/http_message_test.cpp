@@ -74,7 +74,8 @@ class CimOverHttp : public testing::Test {
   }
 
   Authentication authentication_{true, "U", "p"};
-  Operations operations_{*BuiltInModel().Contents(), "cmm"};
+  SharedStore store_{*BuiltInModel().Contents()};
+  Operations operations_{store_, "cmm"};
 };
 
 TEST_F(CimOverHttp, ChallengesWithoutAndWithWrongCredentials) {

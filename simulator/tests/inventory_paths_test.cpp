@@ -96,7 +96,8 @@ TEST_F(InventoryPaths, LeadFromEachSwitch) {
   for (const Instance* module : Store().Enumerate("VORTA_IOModuleComputerSystem")) {
     EXPECT_EQ(module->Find("Dedicated")->texts, std::vector<std::string>{"12"});
     ExpectPackage(*module, "CIM_ComputerSystemPackage", TextOf(*module, "Name"));
-    ExpectImages(*module, "CIM_ElementSoftwareIdentity", 3);
+    // The switch in bay 5 has no fallback image.
+    ExpectImages(*module, "CIM_ElementSoftwareIdentity", TextOf(*module, "Name") == "iomodule05" ? 2 : 3);
     ExpectEndpoints(*module, 1);
   }
 }
@@ -125,7 +126,7 @@ TEST_F(InventoryPaths, TellTheStatusOfEachImageOfAModule) {
     EXPECT_EQ(association->Find("Antecedent")->references.at(0).keys.count("InstanceID"), 1U);
     ++count;
   }
-  EXPECT_EQ(count, 14U);
+  EXPECT_EQ(count, 13U);
 }
 
 TEST_F(InventoryPaths, HoldOneCompleteChassis) {

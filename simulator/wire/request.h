@@ -48,6 +48,7 @@ struct Parameter {
 /// A parameter of an extrinsic method.
 struct MethodParameter {
   std::string name;
+  /// Empty when a client names none.
   std::string typeName;
   bool isArray = false;
   Value value;

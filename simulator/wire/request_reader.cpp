@@ -258,8 +258,9 @@ void ReadExtrinsic(const xml_node& call, Request& request) {
     if (!Is(children[i], "PARAMVALUE")) Invalid("METHODCALL must hold PARAMVALUE only");
     MethodParameter parameter;
     parameter.name = Attribute(children[i], "NAME");
-    parameter.typeName = children[i].attribute("PARAMTYPE").as_string("string");
-    parameter.value = ReadValue(children[i], parameter.typeName, parameter.isArray);
+    parameter.typeName = children[i].attribute("PARAMTYPE").value();
+    parameter.value =
+        ReadValue(children[i], parameter.typeName.empty() ? "string" : parameter.typeName, parameter.isArray);
     request.methodParameters.push_back(std::move(parameter));
   }
 }

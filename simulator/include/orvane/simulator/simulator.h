@@ -2,6 +2,7 @@
 // A Model says what the chassis holds; a Simulator serves it over HTTP and HTTPS on threads of its own until destroyed.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
@@ -14,6 +15,7 @@
 namespace Orvane::simulator {
 
 class ObjectStore;
+struct ChassisSettings;
 
 /// A document, of a model or of faults, that cannot be used. what() is one line: file, JSON pointer of the offending
 /// place, reason.
@@ -26,11 +28,14 @@ class ModelError : public std::runtime_error {
 /// and each Simulator works on a store of its own, so one Model may serve several of them at once.
 class Model {
  public:
-  explicit Model(std::shared_ptr<const ObjectStore> contents) : contents_(std::move(contents)) {}
+  Model(std::shared_ptr<const ObjectStore> contents, std::shared_ptr<const ChassisSettings> settings)
+      : contents_(std::move(contents)), settings_(std::move(settings)) {}
   const std::shared_ptr<const ObjectStore>& Contents() const { return contents_; }
+  const std::shared_ptr<const ChassisSettings>& Settings() const { return settings_; }
 
  private:
   std::shared_ptr<const ObjectStore> contents_;
+  std::shared_ptr<const ChassisSettings> settings_;
 };
 
 /// The chassis that is served when no model file is given: 2 CMMs (the second a spare), 4 switches, 2 pass-through
@@ -54,6 +59,9 @@ struct Options {
   bool authentication = true;
   /// The time that the chassis lives in; null means real time. One clock may serve several simulators.
   std::shared_ptr<Clock> clock;
+  /// What the chassis takes at most of a firmware package it fetches: bytes, and real time for the whole download.
+  std::uint64_t packageSizeLimit = 64ULL * 1024 * 1024;
+  std::chrono::milliseconds packageTimeLimit = std::chrono::seconds(30);
 };
 
 /// A running CIM server. All members may be called from any thread.

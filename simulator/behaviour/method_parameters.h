@@ -1,0 +1,39 @@
+// The parameters of an extrinsic method as its declaration wants them: in any order, a name that stands twice counts
+// the last time.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cim/types.h"
+#include "wire/request.h"
+
+namespace Orvane::simulator {
+
+struct ParameterDeclaration {
+  const char* name;
+  CimType type;
+  bool isArray;
+  /// Must be there, NULL or not.
+  bool isRequired;
+};
+
+/// A view of the parameters; they must outlive it.
+class MethodParameters {
+ public:
+  /// @throws CimError kInvalidParameter  a parameter is unknown, missing, or of another type than declared
+  MethodParameters(const std::vector<MethodParameter>& sent, const std::vector<ParameterDeclaration>& declared);
+
+  /// NULL and what was not sent read as none.
+  std::optional<std::string> Text(const char* name) const;
+  std::optional<std::vector<std::string>> Texts(const char* name) const;
+  std::optional<ObjectPath> Reference(const char* name) const;
+
+ private:
+  const Value* Find(const char* name) const;
+
+  const std::vector<MethodParameter>& sent_;
+};
+
+}  // namespace Orvane::simulator
