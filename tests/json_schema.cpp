@@ -9,9 +9,10 @@ namespace {
 
 using nlohmann::json;
 
-const std::set<std::string> kKeywords = {"$schema", "$id",  "$defs",    "$ref",  "title",   "description",
-                                         "type",    "enum", "required", "items", "const",   "properties",
-                                         "allOf",   "if",   "then",     "else",  "minimum", "additionalProperties"};
+const std::set<std::string> kKeywords = {"$schema", "$id",     "$defs",    "$ref",  "title",   "description",
+                                         "type",    "enum",    "required", "items", "const",   "properties",
+                                         "allOf",   "if",      "then",     "else",  "minimum", "additionalProperties",
+                                         "oneOf",   "maximum", "minLength"};
 
 bool HasType(const json& value, const std::string& type) {
   if (type == "object") return value.is_object();
@@ -47,6 +48,12 @@ class Checker {
       }
     }
     for (const json& part : schema.value("allOf", json::array())) add(Check(part, value, place));
+    if (schema.contains("oneOf")) {
+      const json& choices = schema["oneOf"];
+      const auto fitting = std::count_if(choices.begin(), choices.end(),
+                                         [&](const json& choice) { return Check(choice, value, place).empty(); });
+      if (fitting != 1) errors.push_back(place + ": fits " + std::to_string(fitting) + " of the choices");
+    }
     if (schema.contains("if")) {
       const char* branch = Check(schema["if"], value, place).empty() ? "then" : "else";
       if (schema.contains(branch)) add(Check(schema[branch], value, place));
@@ -70,6 +77,13 @@ class Checker {
     if (schema.contains("minimum") && value.is_number() && value < schema["minimum"]) {
       errors.push_back(place + ": too small");
     }
+    if (schema.contains("maximum") && value.is_number() && value > schema["maximum"]) {
+      errors.push_back(place + ": too large");
+    }
+    if (schema.contains("minLength") && value.is_string() &&
+        value.get<std::string>().size() < schema["minLength"].get<std::size_t>()) {
+      errors.push_back(place + ": too short");
+    }
     return errors;
   }
 
@@ -84,8 +98,13 @@ class Checker {
       if (properties.contains(name)) {
         const auto more = Check(properties[name], member, memberPlace);
         errors.insert(errors.end(), more.begin(), more.end());
-      } else if (schema.value("additionalProperties", true) == false) {
-        errors.push_back(memberPlace + ": is not in the schema");
+        continue;
+      }
+      const json others = schema.value("additionalProperties", json(true));
+      if (others == false) errors.push_back(memberPlace + ": is not in the schema");
+      if (others.is_object()) {
+        const auto more = Check(others, member, memberPlace);
+        errors.insert(errors.end(), more.begin(), more.end());
       }
     }
     return errors;

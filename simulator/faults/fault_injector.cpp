@@ -85,7 +85,7 @@ HttpReply FaultInjector::Answer(const Request& request) {
   const WireEffect* decisive = nullptr;
   milliseconds delay{0};
   const RequestFacts facts = FactsOf(request);
-  for (const Fault* fault : matcher_.Meet(facts, chassis_.Now())) {
+  for (const Fault* fault : matcher_.Meet(facts, chassis_.Look())) {
     if (const auto* const change = std::get_if<ChassisEffect>(&fault->effect)) {
       chassis_.Begin(*change, facts);
       continue;

@@ -18,12 +18,13 @@ class FaultyChassis {
   FaultyChassis(const FaultyChassis&) = delete;
   FaultyChassis& operator=(const FaultyChassis&) = delete;
 
-  virtual Moment Now() const = 0;
+  /// Called before every request.
+  virtual Moment Look() = 0;
 
-  /// Brings an effect about. The request that met the fault is carried out right afterwards, and then End() called; no
-  /// other request comes in between.
+  /// Brings an effect about. The request that met the fault is carried out right afterwards; no other comes in between.
   virtual void Begin(const ChassisEffect& effect, const RequestFacts& request) = 0;
-  /// What an effect wanted of the request is over, also when the request did not do it.
+
+  /// Called after every request. What an effect wanted of it is over, also when the request did not do it.
   virtual void End() = 0;
 
  protected:

@@ -1,5 +1,5 @@
 // orvane-simulator: serves a chassis model as a CIM server until SIGINT or SIGTERM. Exit status: 0 stopped, 1 could not
-// listen, 2 wrong usage, bad model or bad password file (then nothing was started).
+// listen, 2 wrong usage, bad model, fault plan or password file (then nothing was started).
 #include <pthread.h>
 #include <signal.h>
 
@@ -20,6 +20,7 @@
 namespace {
 
 using Orvane::simulator::BuiltInModel;
+using Orvane::simulator::LoadFaultPlan;
 using Orvane::simulator::LoadModel;
 using Orvane::simulator::Model;
 using Orvane::simulator::Options;
@@ -37,6 +38,7 @@ constexpr double kHighestScale = 1000000;
 
 struct Arguments {
   std::string modelFile;
+  std::string faultsFile;
   std::optional<int> httpPort;
   std::optional<int> httpsPort;
   std::string address = "127.0.0.1";
@@ -49,6 +51,7 @@ struct Arguments {
 
 void Describe(CLI::App& app, Arguments& arguments) {
   app.add_option("--model", arguments.modelFile, "Chassis model (JSON); without it the built-in chassis is served");
+  app.add_option("--faults", arguments.faultsFile, "Fault plan (JSON): which requests go wrong, and how");
   app.add_option("--http", arguments.httpPort, "Port of HTTP, 0 for a free one")->check(CLI::Range(0, kHighestPort));
   app.add_option("--https", arguments.httpsPort, "Port of HTTPS, 0 for a free one")->check(CLI::Range(0, kHighestPort));
   app.add_option("--address", arguments.address, "Address to listen on")->capture_default_str();
@@ -120,6 +123,7 @@ int Run(int argc, char** argv) {
   Options options;
   try {
     options = ToOptions(arguments);
+    if (!arguments.faultsFile.empty()) options.faults = LoadFaultPlan(arguments.faultsFile);
     model = arguments.modelFile.empty() ? BuiltInModel() : LoadModel(arguments.modelFile);
   } catch (const std::exception& error) {
     std::cerr << "orvane-simulator: " << error.what() << "\n";

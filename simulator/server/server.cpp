@@ -12,6 +12,9 @@
 #include <vector>
 
 #include "behaviour/chassis_life.h"
+#include "behaviour/timers.h"
+#include "faults/chassis_faults.h"
+#include "faults/fault_injector.h"
 #include "orvane/simulator/simulator.h"
 #include "server/certificate.h"
 #include "server/session.h"
@@ -135,7 +138,12 @@ class Simulator::Impl : public Network {
       : clock_(options.clock ? options.clock : std::make_shared<ScaledClock>(1.0)),
         store_(*model.Contents()),
         service_{Authentication(options.authentication, options.user, options.password),
-                 Operations(store_, kHostInPaths)} {
+                 Operations(store_, kHostInPaths),
+                 [this](const Request& request) { return injector_->Answer(request); },
+                 [this](std::chrono::milliseconds delay, std::shared_ptr<Connection> connection,
+                        Service::Action action) { Later(delay, std::move(connection), std::move(action)); },
+                 [this](std::chrono::milliseconds duration, std::shared_ptr<Connection> spared,
+                        Service::Action action) { Refuse(duration, std::move(spared), std::move(action)); }} {
     CheckPort(options.httpPort);
     CheckPort(options.httpsPort);
     if (options.httpPort < 0 && options.httpsPort < 0) {
@@ -144,6 +152,8 @@ class Simulator::Impl : public Network {
     life_.emplace(store_, *clock_, *this, *model.Settings(),
                   FetchLimits{options.packageSizeLimit, options.packageTimeLimit});
     life_->Register(service_.operations);
+    chassisFaults_.emplace(store_, *clock_, *life_);
+    injector_.emplace(options.faults, *chassisFaults_, service_.operations);
     const asio::ip::address address = ParseAddress(options.address);
     if (options.httpPort >= 0) {
       http_.emplace(context_, strand_, address, options.httpPort, [this](Tcp::socket socket) {
@@ -177,10 +187,8 @@ class Simulator::Impl : public Network {
 
   void GoDown() override {
     RunOn(strand_, [this] {
-      isUp_ = false;
-      for (std::optional<Listener>* listener : {&http_, &https_}) {
-        if (*listener) (*listener)->GoDown();
-      }
+      isRestarting_ = true;
+      ListenOrNot();
     });
     for (const std::shared_ptr<Connection>& connection : connections_.Open()) {
       RunOn(connection->Executor(), [connection] { connection->Close(); });
@@ -189,10 +197,8 @@ class Simulator::Impl : public Network {
 
   void ComeUp() override {
     RunOn(strand_, [this] {
-      if (std::exchange(isUp_, true)) return;
-      for (std::optional<Listener>* listener : {&http_, &https_}) {
-        if (*listener) (*listener)->ComeUp();
-      }
+      isRestarting_ = false;
+      ListenOrNot();
     });
   }
 
@@ -205,6 +211,40 @@ class Simulator::Impl : public Network {
   void Start(const std::shared_ptr<NewSession>& session) {
     connections_.Add(session);
     session->Start();
+  }
+
+  // On the strand: a restart and the refusals of faults may overlap, the last of them to end lets it listen again.
+  void ListenOrNot() {
+    const bool isWanted = !isRestarting_ && refusals_ == 0;
+    if (std::exchange(isUp_, isWanted) == isWanted) return;
+    for (std::optional<Listener>* listener : {&http_, &https_}) {
+      if (!*listener) continue;
+      isWanted ? (*listener)->ComeUp() : (*listener)->GoDown();
+    }
+  }
+
+  void Later(std::chrono::milliseconds delay, std::shared_ptr<Connection> connection, Service::Action action) {
+    timers_.RunAfter(delay, [connection = std::move(connection), action = std::move(action)] {
+      asio::post(connection->Executor(), action);
+    });
+  }
+
+  // Nothing waits here: it is called on a thread that serves requests.
+  void Refuse(std::chrono::milliseconds duration, std::shared_ptr<Connection> spared, Service::Action action) {
+    asio::post(strand_, [this, duration, spared = std::move(spared), action = std::move(action)] {
+      ++refusals_;
+      ListenOrNot();
+      timers_.RunAfter(duration, [this] {
+        RunOn(strand_, [this] {
+          --refusals_;
+          ListenOrNot();
+        });
+      });
+      for (const std::shared_ptr<Connection>& connection : connections_.Open()) {
+        if (connection != spared) asio::post(connection->Executor(), [connection] { connection->Close(); });
+      }
+      asio::post(spared->Executor(), action);
+    });
   }
 
   // Returns when the action has run on one of the threads, or the server ends.
@@ -233,6 +273,8 @@ class Simulator::Impl : public Network {
   std::shared_ptr<Clock> clock_;
   SharedStore store_;
   std::optional<ChassisLife> life_;
+  std::optional<ChassisFaults> chassisFaults_;
+  std::optional<FaultInjector> injector_;
   Service service_;
   Connections connections_;
   asio::ssl::context tls_{asio::ssl::context::tls_server};
@@ -240,9 +282,13 @@ class Simulator::Impl : public Network {
   // The threads wait for what comes next also while nothing is open.
   asio::executor_work_guard<asio::io_context::executor_type> work_{context_.get_executor()};
   Strand strand_ = asio::make_strand(context_);
-  bool isUp_ = true;  // used on the strand only
+  // These three are used on the strand only.
+  bool isUp_ = true;
+  bool isRestarting_ = false;
+  unsigned refusals_ = 0;
   std::optional<Listener> http_;
   std::optional<Listener> https_;
+  Timers timers_{*clock_};
   std::vector<std::thread> threads_;
 };
 

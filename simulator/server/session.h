@@ -12,6 +12,7 @@
 #include <boost/beast/ssl.hpp>
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -77,8 +78,15 @@ class Connections {
 
 /// What all connections use.
 struct Service {
+  using Action = std::function<void()>;
+
   Authentication authentication;
   Operations operations;
+  Answerer answer;
+  /// Calls an action of a connection, where Close must be called, after a simulated time.
+  std::function<void(std::chrono::milliseconds delay, std::shared_ptr<Connection> connection, Action action)> later;
+  /// Listens no more for a simulated time, ends all connections but this one, and then calls an action of this one.
+  std::function<void(std::chrono::milliseconds duration, std::shared_ptr<Connection> spared, Action action)> refuse;
 };
 
 constexpr std::uint32_t kHeaderLimit = 64 * 1024;
@@ -195,20 +203,31 @@ class Session : public Connection, public std::enable_shared_from_this<Session<S
     request.cimObject = View(message["CIMObject"]);
     request.authorization = View(message[http::field::authorization]);
     request.body = std::move(message.body());
-    HttpReply reply = AnswerHttp(request, service_.authentication, [this](const Request& call) {
-      HttpReply answered;
-      answered.body = service_.operations.Answer(call);
-      return answered;
-    });
-    Deliver(std::move(reply), chunked);
+    Deliver(AnswerHttp(request, service_.authentication, service_.answer), chunked);
   }
 
   void Deliver(HttpReply reply, bool chunked) {
+    const auto delay = std::exchange(reply.delivery.delay, {});
+    const auto refusal = std::exchange(reply.delivery.refusal, std::nullopt);
+    if (delay.count() > 0) {
+      return service_.later(delay, this->shared_from_this(), DeliverAgain(std::move(reply), chunked, refusal));
+    }
+    if (refusal) {
+      keepAlive_ = false;
+      return service_.refuse(*refusal, this->shared_from_this(), DeliverAgain(std::move(reply), chunked, {}));
+    }
     if (reply.delivery.form == Delivery::Form::kNothing) return Cut();
     const Delivery delivery = reply.delivery;
     Compose(std::move(reply), chunked);
     if (delivery.form == Delivery::Form::kCut) return WriteCut(delivery.bodyBytes);
     Write();
+  }
+
+  Service::Action DeliverAgain(HttpReply reply, bool chunked, std::optional<std::chrono::milliseconds> refusal) {
+    reply.delivery.refusal = refusal;
+    return [self = this->shared_from_this(), kept = std::make_shared<HttpReply>(std::move(reply)), chunked] {
+      self->Deliver(std::move(*kept), chunked);
+    };
   }
 
   void Compose(HttpReply reply, bool chunked) {

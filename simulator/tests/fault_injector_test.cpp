@@ -29,7 +29,7 @@ class NotingChassis : public FaultyChassis {
  public:
   explicit NotingChassis(const Operations& operations) : operations_(operations) {}
 
-  Moment Now() const override { return {}; }
+  Moment Look() override { return {}; }
   void Begin(const ChassisEffect& effect, const RequestFacts& request) override {
     begun_.push_back(std::to_string(effect.index()) + " " + request.operation + " after " +
                      std::to_string(operations_.Count(kOperation)));
@@ -71,7 +71,8 @@ class Injector : public testing::Test {
   SharedStore store_{*BuiltInModel().Contents()};
   Operations operations_{store_, "cmm"};
   NotingChassis chassis_{operations_};
-  const std::string undisturbed_ = Operations(store_, "cmm").Answer(Call());
+  SharedStore otherStore_{*BuiltInModel().Contents()};
+  const std::string undisturbed_ = Operations(otherStore_, "cmm").Answer(Call());
 };
 
 TEST_F(Injector, WithoutFaultsAnswersAsEver) {

@@ -62,6 +62,8 @@ struct Options {
   /// What the chassis takes at most of a firmware package it fetches: bytes, and real time for the whole download.
   std::uint64_t packageSizeLimit = 64ULL * 1024 * 1024;
   std::chrono::milliseconds packageTimeLimit = std::chrono::seconds(30);
+  /// What goes wrong; nothing by default.
+  FaultPlan faults;
 };
 
 /// A running CIM server. All members may be called from any thread.
