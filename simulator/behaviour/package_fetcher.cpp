@@ -179,8 +179,17 @@ class HttpDownload : public Download, public std::enable_shared_from_this<HttpDo
     });
   }
 
+  // Header and body apart: read in one go, a length that the host says in advance would slip through the limit.
   void Read() {
     parser_.body_limit(limits_.bytes);
+    http::async_read_header(stream_, buffer_, parser_,
+                            [self = this->shared_from_this()](const ErrorCode& error, std::size_t) {
+                              if (error == http::error::body_limit) return self->End(TooLarge(self->limits_));
+                              if (!self->Fails(error, kLost)) self->ReadBody();
+                            });
+  }
+
+  void ReadBody() {
     http::async_read(stream_, buffer_, parser_, [self = this->shared_from_this()](const ErrorCode& error, std::size_t) {
       if (error == http::error::body_limit) return self->End(TooLarge(self->limits_));
       // Some servers end TLS without saying so; a whole message is whole all the same.
