@@ -101,6 +101,31 @@ class ThrowingProgress : public Progress {
   std::string text_;
 };
 
+/// Sequences of lines one behind the other.
+inline std::vector<std::string> Joined(std::initializer_list<std::vector<std::string>> parts) {
+  std::vector<std::string> lines;
+  for (const std::vector<std::string>& part : parts) lines.insert(lines.end(), part.begin(), part.end());
+  return lines;
+}
+
+/// The lines of an install whose first poll finds the job done, with the timing marks around it.
+inline std::vector<std::string> InstalledLines() {
+  return {"3 [B] step=83 value=0 ",
+          "3 Enter SwitchIOUpdateByCIM::installPackage.",
+          kConnectedLine,
+          std::string("3 Successfully get the CIM_SoftwareInstallationService instance: ") + kServicePath,
+          std::string("3 Successfully get the IO target instance: ") + kTargetPath,
+          kAlreadyConnectedLine,
+          "3 Invoke method 'InstallFromURI', return CIMValue string = 4096",
+          std::string("3 Parameter Target of method 'InstallFromURI': ") + kTargetPath,
+          "3 Parameter Name: Job, Parameter Value: CIM_ConcreteJob.InstanceID=\"job 7\"",
+          "3 Try to get the result of the InstallFromURI call: 1",
+          kConnectedLine,
+          std::string("3 Job instance info: ( InstanceID:job 7,JobStatus: ") + kJobDone + ",JobState: 7 )",
+          std::string("3 Update completed successfully and the message is ") + kJobDone,
+          "3 [E] step=83 value=0 "};
+}
+
 class SwitchTest : public ::testing::Test {
  protected:
   SwitchTest() : SwitchTest(HttpsServer()) {}
