@@ -106,6 +106,7 @@ Package ReadPackage(const std::string& document) {
   if (!json.is_object() || !json.contains("orvane_package")) Fail("this is no firmware package");
   if (json.at("orvane_package") != 1) Fail("the package has an unknown format");
   RequireKnownMembers(json);
+  if (json.contains("$schema")) RequireText(json, "$schema");
 
   Package package;
   package.target = RequireText(json, "target");
