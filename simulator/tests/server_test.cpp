@@ -2,9 +2,12 @@
 // the HTTP side makes on its own.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <array>
+#include <chrono>
 #include <cstdint>
+#include <ctime>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -147,6 +150,34 @@ TEST(Server, RefusesSenselessOptions) {
   EXPECT_THROW(Simulator(BuiltInModel(), options), std::invalid_argument);
   options.httpPort = 65536;
   EXPECT_THROW(Simulator(BuiltInModel(), options), std::invalid_argument);
+}
+
+// Milliseconds of processor time of this process.
+long ProcessorTime() {
+  timespec time{};
+  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+  return time.tv_sec * 1000 + time.tv_nsec / 1000000;
+}
+
+TEST(Server, PausesWhenItCannotAccept) {
+  const Simulator simulator(BuiltInModel(), HttpOnly());
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  const int firstFree = ::dup(0);
+  ASSERT_GE(firstFree, 0);
+  ::close(firstFree);
+  // One descriptor is left, for the client.
+  const rlimit tight{static_cast<rlim_t>(firstFree) + 1, before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &tight), 0);
+  Client client(simulator.HttpPort());
+  const long start = ProcessorTime();
+  std::this_thread::sleep_for(std::chrono::milliseconds(400));
+  const long used = ProcessorTime() - start;
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+
+  EXPECT_LT(used, 200);
+  client.Send(Request("Authorization: Basic VTpw\r\n"));
+  EXPECT_THAT(client.ReadUntil("</CIM>"), HasSubstr("VORTA_Chassis"));
 }
 
 }  // namespace
