@@ -104,7 +104,7 @@ int CMMReboot(const std::string& host, unsigned short port, const std::string& u
   const CIMInstance& first = capabilities[0];
   ORVANE_LOG(kLogProgress) << "Reboot Instances is :" << ToStdString(first.getPath().toString())
                            << "successfully get the instances for " << cim::kVortaCmmCapabilities << ".";
-  const std::string states = ToStdString(GetFirstPropertyValue(first, cim::kRequestedStatesSupported).toString());
+  const std::string states = PropertyText(first, cim::kRequestedStatesSupported);
   ORVANE_LOG(kLogProgress) << "the RequestedStates is " << states;
   if (!Contains(states, kStateResetText)) {
     ORVANE_LOG(kLogError) << "The CMM is not ready to restart.";

@@ -76,7 +76,12 @@ class TarnPassThruUpdate {
   /// Looks every 10 seconds, 36 times at most, whether the module of @p bay has completed its self test.
   /// @return   0  completed
   ///          16  not within six minutes
-  ///          24  no module in the bay, or it cannot be read
+  ///          19  access denied
+  ///          20  not supported
+  ///          22  invalid class
+  ///          23  invalid parameter
+  ///          24  no module in the bay, or the CMM cannot be asked
+  ///          27  CIM_ERR_FAILED
   int CheckIfRebootSuccess(int bay);
 
  private:

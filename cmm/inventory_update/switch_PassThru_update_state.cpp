@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "cmm/inventory_update/cim_names.h"
 #include "cmm/inventory_update/cmm_exceptions.h"
@@ -101,6 +102,36 @@ bool OffersState(PegClientOpt& session, Uint16 state) {
   }
 }
 
+// Looks the module of @p bay up once: the code of the check, or nothing while the self test is not completed.
+std::optional<int> OutcomeOfSelfTest(CMMTarnInventoryImp& inventory, int bay) {
+  try {
+    const CIMInstance module = inventory.GetTargetInstanceOrThrow(bay, kTargetPassThru);
+    if (module.isUninitialized()) {
+      ORVANE_LOG(kLogProgress) << passthru::kNoTargetFound;
+      return passthru::kNoTarget;
+    }
+    ORVANE_LOG(kLogProgress) << passthru::kTargetIs << PathText(module);
+    ORVANE_LOG(kLogProgress) << "elementName:" << PropertyText(module, cim::kElementName);
+    ORVANE_LOG(kLogProgress) << "strPostStatus:" << PropertyText(module, cim::kPostStatus);
+    const std::string description = PropertyText(module, cim::kPostStatusDescription);
+    ORVANE_LOG(kLogProgress) << "strPostStatusDescription:" << description;
+    if (description != kSelfTestCompleted) return std::nullopt;
+    ORVANE_LOG(kLogProgress) << "Reboot switch success.";
+    return passthru::kOk;
+  } catch (const Pegasus::CIMException& error) {
+    const std::optional<int> result = passthru::EnumerationErrorCode(error.getCode());
+    if (result) {
+      ORVANE_LOG(kLogError) << StatusName(error.getCode());
+    }
+    return result;
+  } catch (const Pegasus::Exception& error) {
+    // Not an answer of the CIM server: the module counts as gone, as it does for every other lookup of a target.
+    ORVANE_LOG(kLogError) << ErrorText(error);
+    ORVANE_LOG(kLogProgress) << passthru::kNoTargetFound;
+    return passthru::kNoTarget;
+  }
+}
+
 }  // namespace
 
 int passthru::OutcomeOfStateChange(const std::function<CIMValue()>& request) {
@@ -122,29 +153,6 @@ int passthru::OutcomeOfStateChange(const std::function<CIMValue()>& request) {
     // A module that restarts at once does not answer any more.
     return message == "connection timed out" ? kOk : kStateChangeFailed;
   }
-}
-
-std::optional<int> passthru::OutcomeOfSelfTest(const std::function<CIMInstance()>& lookUp) {
-  try {
-    const CIMInstance module = lookUp();
-    if (module.isUninitialized()) {
-      ORVANE_LOG(kLogProgress) << kNoTargetFound;
-      return kNoTarget;
-    }
-    ORVANE_LOG(kLogProgress) << kTargetIs << PathText(module);
-    ORVANE_LOG(kLogProgress) << "elementName:" << PropertyText(module, cim::kElementName);
-    ORVANE_LOG(kLogProgress) << "strPostStatus:" << PropertyText(module, cim::kPostStatus);
-    const std::string description = PropertyText(module, cim::kPostStatusDescription);
-    ORVANE_LOG(kLogProgress) << "strPostStatusDescription:" << description;
-    if (description == kSelfTestCompleted) return kOk;
-  } catch (const Pegasus::CIMException& error) {
-    const std::optional<int> result = EnumerationErrorCode(error.getCode());
-    if (result) {
-      ORVANE_LOG(kLogError) << StatusName(error.getCode());
-    }
-    return result;
-  }
-  return std::nullopt;
 }
 
 int TarnPassThruUpdate::RebootPassThru(int bay, int operationType) {
@@ -184,13 +192,7 @@ int TarnPassThruUpdate::CheckIfRebootSuccess(int bay) {
   for (int attempt = 0; attempt < kSelfTestAttempts; ++attempt) {
     ORVANE_LOG(kLogProgress) << "Try to check if reboot success. Attempt( " << attempt << " )";
     platform::Sleep(kSelfTestPauseMs);
-    const std::optional<int> outcome =
-        passthru::OutcomeOfSelfTest([this, bay] { return inventory_->GetTargetInstance(bay, kTargetPassThru); });
-    if (!outcome) continue;
-    if (*outcome == passthru::kOk) {
-      ORVANE_LOG(kLogProgress) << "Reboot switch success.";
-    }
-    return *outcome;
+    if (const std::optional<int> outcome = OutcomeOfSelfTest(*inventory_, bay)) return *outcome;
   }
   ORVANE_LOG(kLogProgress) << "Reboot switch timeout.";
   return kSelfTestTimeout;

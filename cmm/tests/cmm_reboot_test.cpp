@@ -330,6 +330,18 @@ TEST_F(CmmRebootTest, StandardOutputDoesNotDependOnTheLog) {
   EXPECT_THAT(transcript.All(), ElementsAre("sleep 2000", kGoingDown, kWaiting, "sleep 50000"));
 }
 
+TEST_F(CmmRebootTest, LogNamesItsSourceAndLine) {
+  const ScopedLog records;
+  downAt = 1;
+  EXPECT_EQ(Reboot(CMM_REBOOT_NOWAIT), 0);
+  std::size_t own = 0;
+  for (const Log::Record& record : records.Records()) {
+    EXPECT_GT(record.line, 0);
+    if (record.file == "cmm/inventory_update/cmm_reboot") ++own;
+  }
+  EXPECT_EQ(own, 7U);
+}
+
 TEST_F(CmmRebootTest, NeverLogsThePassword) {
   downAt = 1;
   EXPECT_EQ(Reboot(CMM_REBOOT_NOWAIT), 0);

@@ -279,12 +279,13 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(StateText{"Uint32", CimTyped("uint32", "7"), 7}, StateText{"Text", CimString("7"), 7},
                       StateText{"TextWithMore", CimString("7 (Completed)"), 7},
                       StateText{"LeadingBlank", CimString(" 7"), 7}, StateText{"LeadingZero", CimString("007"), 7},
-                      StateText{"Array", CimUint16Array({7, 10}), 7},
-                      StateText{"NoNumber", CimString("Completed 7"), 0}, StateText{"Empty", CimString(""), 0},
-                      StateText{"Null", CimNull("uint16"), 0}, StateText{"Seventy", CimUint16(70), 70},
-                      StateText{"Negative", CimString("-7"), -7}, StateText{"LargestNumber", CimUint16(65535), 65535},
-                      StateText{"Starting", CimUint16(3), 3}, StateText{"Suspended", CimUint16(5), 5},
-                      StateText{"ShuttingDown", CimUint16(6), 6}, StateText{"Service", CimUint16(11), 11}),
+                      StateText{"Array", CimUint16Array({7, 10}), 7}, StateText{"NoHexadecimal", CimString("0x7"), 0},
+                      StateText{"NoOctal", CimString("011"), 11}, StateText{"NoNumber", CimString("Completed 7"), 0},
+                      StateText{"Empty", CimString(""), 0}, StateText{"Null", CimNull("uint16"), 0},
+                      StateText{"Seventy", CimUint16(70), 70}, StateText{"Negative", CimString("-7"), -7},
+                      StateText{"LargestNumber", CimUint16(65535), 65535}, StateText{"Starting", CimUint16(3), 3},
+                      StateText{"Suspended", CimUint16(5), 5}, StateText{"ShuttingDown", CimUint16(6), 6},
+                      StateText{"Service", CimUint16(11), 11}),
     [](const auto& param) { return std::string(param.param.name); });
 
 TEST_P(JobStateText, IsTheNumberAtItsBeginning) {

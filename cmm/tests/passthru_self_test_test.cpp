@@ -1,11 +1,9 @@
 // The wait for the power-on self test of a pass-through module: 36 looks, ten seconds apart.
-#include "cmm/inventory_update/switch_PassThru_update_state.h"
 #include "cmm/tests/passthru_fixture.h"
 
 namespace Orvane::testing {
 namespace {
 
-using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
@@ -98,46 +96,85 @@ TEST_F(PassThruSelfTest, OfAModuleThatIsGoneEndsAtThatLook) {
                           "3 Don't find targetinstance for switch."));
 }
 
-TEST_F(PassThruSelfTest, OfABayThatCannotBeReadEndsAtThatLook) {
-  server.OnEnumerate("CIM_Slot", CimError(2, "no"));
-  EXPECT_EQ(update.CheckIfRebootSuccess(2), 24);
-  EXPECT_THAT(clock.Sleeps(), ElementsAre(10000));
+TEST_F(PassThruSelfTest, OfABayWithoutAModuleEndsAtTheFirstLook) {
   EXPECT_EQ(update.CheckIfRebootSuccess(3), 24);
+  EXPECT_THAT(clock.Sleeps(), ElementsAre(10000));
 }
 
-// The lookup over the wire keeps its errors to itself; what a look does with one is asked here directly.
+// Looks that fail.
 
 struct StatusCase {
-  Pegasus::CIMStatusCode status;
+  unsigned status;
   const char* line;
   int result;
 };
 class PassThruLookStatus : public PassThruSelfTest, public ::testing::WithParamInterface<StatusCase> {};
 
 TEST_P(PassThruLookStatus, HasItsLineAndCode) {
-  const std::optional<int> outcome = passthru::OutcomeOfSelfTest(
-      []() -> Pegasus::CIMInstance { throw Pegasus::CIMException(GetParam().status, Pegasus::String("no")); });
-  EXPECT_EQ(outcome, GetParam().result);
-  EXPECT_THAT(Lines(), ElementsAre(std::string("1 ") + GetParam().line));
+  ScriptLooks(TestedModule("17", "POST in progress"));
+  server.OnEnumerate("CIM_Slot", Objects({Slot("iomodule02", "2")}), CimError(GetParam().status, "no"));
+  WatchEverything();
+  EXPECT_EQ(update.CheckIfRebootSuccess(2), GetParam().result);
+  EXPECT_THAT(Lines(1), ElementsAre(GetParam().line)) << "one line, the operation's own";
+  EXPECT_THAT(clock.Sleeps(), ElementsAre(10000, 10000));
+  EXPECT_EQ(Conversation().back(), "disconnect");
+}
+
+TEST_P(PassThruLookStatus, IsTheSameInEveryRequestOfALook) {
+  server.OnAssociators(PackagePath("p"), kRealizes, kPassThruClass, CimError(GetParam().status, "no"));
+  EXPECT_EQ(update.CheckIfRebootSuccess(2), GetParam().result);
+  EXPECT_THAT(Lines(), ElementsAre("3 Try to check if reboot success. Attempt( 0 )", "sleep 10000",
+                                   std::string("1 ") + GetParam().line));
+  EXPECT_EQ(Conversation().back(), "disconnect");
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, PassThruLookStatus,
-                         ::testing::Values(StatusCase{Pegasus::CIM_ERR_ACCESS_DENIED, "CIM_ERR_ACCESS_DENIED", 19},
-                                           StatusCase{Pegasus::CIM_ERR_NOT_SUPPORTED, "CIM_ERR_NOT_SUPPORTED", 20},
-                                           StatusCase{Pegasus::CIM_ERR_INVALID_PARAMETER, "CIM_ERR_INVALID_PARAMETER",
-                                                      23},
-                                           StatusCase{Pegasus::CIM_ERR_INVALID_CLASS, "CIM_ERR_INVALID_CLASS", 22},
-                                           StatusCase{Pegasus::CIM_ERR_FAILED, "CIM_ERR_FAILED", 27}),
+                         ::testing::Values(StatusCase{2, "CIM_ERR_ACCESS_DENIED", 19},
+                                           StatusCase{7, "CIM_ERR_NOT_SUPPORTED", 20},
+                                           StatusCase{4, "CIM_ERR_INVALID_PARAMETER", 23},
+                                           StatusCase{5, "CIM_ERR_INVALID_CLASS", 22},
+                                           StatusCase{1, "CIM_ERR_FAILED", 27}),
                          [](const auto& param) { return std::string(param.param.line); });
 
-TEST_F(PassThruSelfTest, AnyOtherStatusOfALookIsNotLoggedAndGoesOn) {
-  for (const Pegasus::CIMStatusCode status : {Pegasus::CIM_ERR_NOT_FOUND, Pegasus::CIM_ERR_METHOD_NOT_FOUND}) {
-    EXPECT_EQ(passthru::OutcomeOfSelfTest(
-                  [status]() -> Pegasus::CIMInstance { throw Pegasus::CIMException(status, Pegasus::String("no")); }),
-              std::nullopt);
-  }
-  EXPECT_THAT(Lines(), IsEmpty());
+class PassThruLookOtherStatus : public PassThruSelfTest, public ::testing::WithParamInterface<unsigned> {};
+
+TEST_P(PassThruLookOtherStatus, IsNotLoggedAndGoesOn) {
+  ScriptLooks(TestedModule("511", kCompleted));
+  server.OnEnumerate("CIM_Slot", CimError(GetParam(), "no"), Objects({Slot("iomodule02", "2")}));
+  WatchEverything();
+  EXPECT_EQ(update.CheckIfRebootSuccess(2), 0);
+  EXPECT_THAT(clock.Sleeps(), ElementsAre(10000, 10000));
+  EXPECT_THAT(Lines(1), IsEmpty());
 }
+
+INSTANTIATE_TEST_SUITE_P(Statuses, PassThruLookOtherStatus, ::testing::Values(3U, 6U, 8U, 16U, 17U, 99U));
+
+TEST_F(PassThruSelfTest, AnyOtherStatusOfEveryLookEndsWithTheTimeOut) {
+  server.OnEnumerate("CIM_Slot", CimError(6, "no"));
+  EXPECT_EQ(update.CheckIfRebootSuccess(2), 16);
+  EXPECT_EQ(clock.Sleeps().size(), 36U);
+}
+
+struct ErrorCase {
+  const char* name;
+  CimAnswer answer;
+  const char* message;
+};
+class PassThruLookError : public PassThruSelfTest, public ::testing::WithParamInterface<ErrorCase> {};
+
+TEST_P(PassThruLookError, CountsAsAModuleThatIsGone) {
+  server.OnEnumerate("CIM_Slot", GetParam().answer);
+  EXPECT_EQ(update.CheckIfRebootSuccess(2), 24);
+  EXPECT_THAT(Lines(), ElementsAre("3 Try to check if reboot success. Attempt( 0 )", "sleep 10000",
+                                   std::string("1 ") + GetParam().message, "3 Don't find targetinstance for switch."));
+  EXPECT_TRUE(server.WaitUntilAllClosed());
+}
+
+INSTANTIATE_TEST_SUITE_P(Answers, PassThruLookError,
+                         ::testing::Values(ErrorCase{"Unauthorized", HttpStatus(401, "Unauthorized"),
+                                                     "HTTP Error (401 Unauthorized)."},
+                                           ErrorCase{"Closed", Close(), "Connection closed by CIM Server."}),
+                         [](const auto& param) { return param.param.name; });
 
 }  // namespace
 }  // namespace Orvane::testing

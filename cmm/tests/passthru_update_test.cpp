@@ -105,7 +105,8 @@ TEST_F(PassThruUpdate, RunTwiceSendsEightParametersTheSecondTime) {
   EXPECT_EQ(update.StartUpdate(), 0);
   ASSERT_EQ(Invocations().size(), 2U);
   const std::vector<std::string> once = ArgumentTexts(Invocations()[0]);
-  ASSERT_EQ(once.size(), 4U);
+  ASSERT_THAT(once, ElementsAre("URI string http://10.0.0.9/package.zip", "InstallOptions uint16[] 5",
+                                "InstallOptionsValues string[] ", std::string("Target reference ") + kModulePath));
   std::vector<std::string> twice = once;
   twice.insert(twice.end(), once.begin(), once.end());
   EXPECT_THAT(ArgumentTexts(Invocations()[1]), ElementsAreArray(twice));
