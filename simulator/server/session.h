@@ -124,6 +124,9 @@ class Session : public Connection, public std::enable_shared_from_this<Session<S
   void Close() override { beast::get_lowest_layer(stream_).close(); }
 
   void Start() {
+    // An answer goes out in several pieces; none of them waits until the client has confirmed the one before.
+    ErrorCode ignored;
+    beast::get_lowest_layer(stream_).socket().set_option(Tcp::no_delay(true), ignored);
     Limit();
     if constexpr (std::is_same_v<Stream, TlsStream>) {
       stream_.async_handshake(asio::ssl::stream_base::server,
