@@ -17,6 +17,17 @@ constexpr int kInstallStep = 83;
 
 constexpr int kInvocationError = 212;
 
+// The blanks before the colons, and an error where the switch update writes progress: log readers know them so.
+constexpr ModuleClientTexts kClientTexts = {kLogSource,
+                                            kLogError,
+                                            "Pegasus AlreadyConnectedException :",
+                                            "Pegasus InvalidLocatorException :",
+                                            "Pegasus CannotCreateSocketException :",
+                                            "Pegasus CannotConnectException :",
+                                            "Pegasus InvalidNameException :",
+                                            "Unknown Exception: ",
+                                            kLogProgress};
+
 }  // namespace
 
 std::optional<int> passthru::EnumerationErrorCode(Pegasus::CIMStatusCode status) {
@@ -38,8 +49,7 @@ std::optional<int> passthru::EnumerationErrorCode(Pegasus::CIMStatusCode status)
 
 TarnPassThruUpdate::TarnPassThruUpdate(const std::string& host, const std::string& user, const std::string& password,
                                        std::uint16_t port, const std::string& packageUri, int bay)
-    : certificateCheck_(AcceptAnyCertificate),
-      client_(std::make_unique<Pegasus::CIMClient>()),
+    : client_(kClientTexts, host, port, user, password),
       host_(host),
       port_(port),
       user_(user),

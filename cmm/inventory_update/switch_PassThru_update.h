@@ -10,7 +10,7 @@
 #include <string>
 
 #include "cmm/inventory_update/cmm_inventory_imp.h"
-#include "cmm/inventory_update/cmm_peg_client.h"
+#include "cmm/inventory_update/module_client.h"
 
 namespace Orvane {
 
@@ -88,18 +88,13 @@ class TarnPassThruUpdate {
   struct Job;
 
   void Notify(const char* message);
-  bool connectOnce(Pegasus::Uint32 port, bool secure);
-  bool connect();
-  bool ConnectPatiently();
-  Pegasus::String getOutParameterValue(const Pegasus::Array<Pegasus::CIMParamValue>& parameters, const char* name);
   int FindServices(Pegasus::Array<Pegasus::CIMInstance>& services);
   int Install(int operationType, const Pegasus::String& uri, bool deferred,
               const Pegasus::Array<Pegasus::CIMInstance>& services);
   int FollowJob(const std::string& jobId);
   int ReadJob(const std::string& jobId, Job& job);
 
-  PegClientOpt::CertificateCheck certificateCheck_;
-  std::unique_ptr<Pegasus::CIMClient> client_;
+  ModuleClient client_;
   Pegasus::Array<Pegasus::CIMParamValue> inParameters_;  // never cleared
   Pegasus::Array<Pegasus::CIMParamValue> outParameters_;
   std::string host_;

@@ -16,7 +16,6 @@
 
 using Pegasus::Array;
 using Pegasus::CIMInstance;
-using Pegasus::CIMObjectPath;
 using Pegasus::CIMParamValue;
 using Pegasus::CIMValue;
 using Pegasus::String;
@@ -42,6 +41,7 @@ constexpr int kInvocationError = 212;
 constexpr Uint16 kOptionUpdate = 5;
 constexpr Uint16 kOptionDeferred = 32768;
 
+constexpr std::uint32_t kConnectPauseMs = 1000;
 constexpr std::uint32_t kFirstPollPauseMs = 10000;
 constexpr std::uint32_t kPollPauseMs = 60000;
 
@@ -80,30 +80,12 @@ constexpr std::array<JobRow, 4> kJobRows = {{
 }};
 constexpr int kUnknownJobStatus = 6;
 
-// Closes the connection of a client on every way out.
-class ClientCloser {
- public:
-  explicit ClientCloser(Pegasus::CIMClient& client) : client_(client) {}
-  ~ClientCloser() { client_.disconnect(); }
-  ClientCloser(const ClientCloser&) = delete;
-  ClientCloser& operator=(const ClientCloser&) = delete;
-
- private:
-  Pegasus::CIMClient& client_;
-};
-
-Array<CIMInstance> Enumerate(Pegasus::CIMClient& client, const char* nameSpace, const char* className) {
-  return client.enumerateInstances(Pegasus::CIMNamespaceName(nameSpace), Pegasus::CIMName(className),
-                                   /*deepInheritance=*/true, /*localOnly=*/true, /*includeQualifiers=*/false,
-                                   /*includeClassOrigin=*/false, Pegasus::CIMPropertyList());
-}
-
 }  // namespace
 
 int TarnPassThruUpdate::installPackage_PassThru(int operationType, const String& uri, bool deferred) {
   ORVANE_LOG(kLogProgress) << "Enter TarnPassThruUpdate::installPackage_PassThru.";
-  const ClientCloser closer(*client_);
-  if (!ConnectPatiently()) return passthru::kNoConnection;
+  const ModuleClientCloser closer(client_);
+  if (!client_.ConnectInThree(kConnectPauseMs)) return passthru::kNoConnection;
   Array<CIMInstance> services;
   if (const int result = FindServices(services); result != passthru::kOk) return result;
   try {
@@ -127,15 +109,15 @@ int TarnPassThruUpdate::installPackage_PassThru(int operationType, const String&
 // Leaves the connection open after an error that has no code: the next connect then meets it.
 int TarnPassThruUpdate::FindServices(Array<CIMInstance>& services) {
   try {
-    services = Enumerate(*client_, cim::kNamespace, cim::kSoftwareInstallationService);
+    services = client_.EnumerateInstances(cim::kNamespace, cim::kSoftwareInstallationService);
     const std::string path = PathText(services[0]);
     ORVANE_LOG(kLogProgress) << "Instances is " << path;
     ORVANE_LOG(kLogProgress) << "successfully get the instances for CIM_SoftwareInstallationService.";
-    client_->disconnect();
+    client_.Disconnect();
   } catch (const Pegasus::CIMException& error) {
     if (const std::optional<int> result = passthru::EnumerationErrorCode(error.getCode())) {
       ORVANE_LOG(kLogError) << StatusName(error.getCode());
-      client_->disconnect();
+      client_.Disconnect();
       return *result;
     }
   } catch (const Pegasus::Exception&) {
@@ -159,35 +141,22 @@ int TarnPassThruUpdate::Install(int operationType, const String& uri, bool defer
   ORVANE_LOG(kLogProgress) << "installupdate targetinstance" << PathText(target);
   inParameters_.append(CIMParamValue(cim::kTarget, CIMValue(target.getPath())));
 
-  if (!ConnectPatiently()) return passthru::kNoConnection;
-  const CIMValue answer = client_->invokeMethod(Pegasus::CIMNamespaceName(cim::kNamespace), services[0].getPath(),
-                                                cim::kInstallFromUri, inParameters_, outParameters_);
+  if (!client_.ConnectInThree(kConnectPauseMs)) return passthru::kNoConnection;
+  const CIMValue answer =
+      client_.Client().invokeMethod(Pegasus::CIMNamespaceName(cim::kNamespace), services[0].getPath(),
+                                    cim::kInstallFromUri, inParameters_, outParameters_);
   Uint32 returnValue = 0;
   answer.get(returnValue);
   ORVANE_LOG(kLogProgress) << "Invoke method 'InstallFromURI, return CIMValue string = " << returnValue;
 
-  const std::string job = ToStdString(getOutParameterValue(outParameters_, cim::kJob));
+  const std::string job = client_.OutParameterText(outParameters_, cim::kJob);
   if (job.empty()) {
     ORVANE_LOG(kLogError) << "InstanceID not found!";
     return kNoJob;
   }
-  client_->disconnect();
+  client_.Disconnect();
   platform::Sleep(kFirstPollPauseMs);
   return FollowJob(JobIdOf(job));
-}
-
-String TarnPassThruUpdate::getOutParameterValue(const Array<CIMParamValue>& parameters, const char* name) {
-  if (parameters.size() == 0) {
-    ORVANE_LOG(kLogProgress) << "Empty Parameter";
-    return String::EMPTY;
-  }
-  for (Uint32 i = 0; i < parameters.size(); ++i) {
-    if (parameters[i].getParameterName() != name) continue;
-    const String value = parameters[i].getValue().toString();
-    ORVANE_LOG(kLogProgress) << "Parameter Name: " << name << ", Parameter Value: " << ToStdString(value);
-    return value;
-  }
-  return String::EMPTY;
 }
 
 // Polls without an end: a module that flashes has its own pace, and nobody else watches the job.
@@ -212,10 +181,10 @@ int TarnPassThruUpdate::FollowJob(const std::string& jobId) {
 }
 
 int TarnPassThruUpdate::ReadJob(const std::string& jobId, Job& job) {
-  if (!connect()) return passthru::kNoConnection;
+  if (!client_.Connect()) return passthru::kNoConnection;
   std::map<std::string, Job> jobs;
   try {
-    const Array<CIMInstance> instances = Enumerate(*client_, cim::kJobNamespace, cim::kConcreteJob);
+    const Array<CIMInstance> instances = client_.EnumerateInstances(cim::kJobNamespace, cim::kConcreteJob);
     for (Uint32 i = 0; i < instances.size(); ++i) {
       const std::string id = PropertyText(instances[i], cim::kInstanceId);
       const Job found = {PropertyText(instances[i], cim::kErrorDescription),
@@ -235,7 +204,7 @@ int TarnPassThruUpdate::ReadJob(const std::string& jobId, Job& job) {
       return kNotSupported;
     }
   }
-  client_->disconnect();
+  client_.Disconnect();
   const auto found = jobs.find(jobId);
   if (found == jobs.end() || found->second.status.empty()) {
     ORVANE_LOG(kLogError) << "The JobStatus is Empty because error happened when creats jobinstance.!";

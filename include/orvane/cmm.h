@@ -593,7 +593,7 @@ class ORVANE_EXPORT Cmm_Blade_Reseat {
   unsigned int port_;
   std::string user_;
   std::string password_;
-  int unused_;
+  [[maybe_unused]] int unused_;
 };
 
 /// What a failed installation job's status text tells, in any case of letters (that of the global locale). Of several

@@ -127,7 +127,7 @@ class PEGASUS_COMMON_LINKAGE Array {
   }
   /// Appends `n` copies of `x`.
   void grow(Uint32 n, const T& x) {
-    const T copy(x);
+    const T copy(x);  // NOLINT(performance-unnecessary-copy-initialization): x may be one of the elements that move
     MakeWritable(Sum(size(), n));
     for (Uint32 i = 0; i < n; ++i) {
       new (Data() + rep_->size) T(copy);
