@@ -96,7 +96,7 @@ std::string ModuleClient::OutParameterText(const Array<Pegasus::CIMParamValue>& 
   }
   for (Uint32 i = 0; i < outParameters.size(); ++i) {
     if (outParameters[i].getParameterName() != name) continue;
-    const std::string value = ToStdString(outParameters[i].getValue().toString());
+    std::string value = ToStdString(outParameters[i].getValue().toString());
     Write(kLogProgress, "Parameter Name: ", std::string(name) + ", Parameter Value: " + value);
     return value;
   }

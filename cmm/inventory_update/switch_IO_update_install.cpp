@@ -135,10 +135,12 @@ int SwitchIOUpdateByCIM::FindServiceAndInstall(const std::string& uri) {
 }
 
 int SwitchIOUpdateByCIM::Install(const std::string& uri, const CIMObjectPath& service) {
+  Array<String> optionValues;
+  optionValues.append(String::EMPTY);
   Array<CIMParamValue> inParameters;
   inParameters.append(CIMParamValue(cim::kUri, CIMValue(String(uri.c_str()))));
   inParameters.append(CIMParamValue(cim::kInstallOptions, CIMValue(Array<Uint16>(1, kOptionUpdate))));
-  inParameters.append(CIMParamValue(cim::kInstallOptionsValues, CIMValue(Array<String>(1, String::EMPTY))));
+  inParameters.append(CIMParamValue(cim::kInstallOptionsValues, CIMValue(optionValues)));
 
   const CIMInstance target = inventory_->GetTargetInstance(bay_, kTargetIOModule);
   if (target.isUninitialized()) {
