@@ -146,7 +146,7 @@ TEST_F(SwitchJob, ThatIsNotAmongTheJobsEndsIt) {
 }
 
 TEST_F(SwitchJob, ThatVanishesEndsItWhateverItWasBefore) {
-  ScriptInstall(JobAnswer(4, kJobRunning), NoObjects());
+  ScriptInstall(JobAnswer(4, kJobRunning), NoObjects(), JobAnswer(7, kJobDone));
 
   EXPECT_EQ(object.installPackage(kUri), 2);
 
@@ -233,7 +233,7 @@ struct PollStatus {
 class SwitchJobStatus : public SwitchJob, public ::testing::WithParamInterface<PollStatus> {};
 
 TEST_P(SwitchJobStatus, OfAPoll) {
-  ScriptInstall(JobAnswer(4, kJobRunning), CimError(GetParam().code, "the server's own text"));
+  ScriptInstall(JobAnswer(4, kJobRunning), CimError(GetParam().code, "the server's own text"), JobAnswer(7, kJobDone));
 
   EXPECT_EQ(object.installPackage(kUri), GetParam().result);
 
