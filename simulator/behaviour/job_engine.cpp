@@ -21,7 +21,7 @@ ObjectPath JobEngine::Create(ObjectStore& store, const std::string& className, c
                                    {"Name", Value::Text(job.moment.id)},
                                    {"ElementName", Value::Text("Firmware update of " + target)},
                                    {"DeleteOnCompletion", Value::Text("TRUE")}});
-  const ObjectPath path = job.path;
+  ObjectPath path = job.path;
   active_.emplace(job.moment.id, std::move(job));
   Enter(store, path, JobState::kNew, text);
   return path;

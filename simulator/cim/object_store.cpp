@@ -143,7 +143,7 @@ ObjectPath ObjectStore::Add(std::string_view className, const NamedValues& value
     }
   }
 
-  const ObjectPath path = instance.Path();
+  ObjectPath path = instance.Path();
   if (byPath_.count(NormalForm(path)) != 0) {
     throw CimError(CimStatus::kInvalidParameter, "An instance with the same keys exists already");
   }

@@ -37,7 +37,7 @@ constexpr auto kLookAround = std::chrono::milliseconds(20);
 
 asio::ip::address ParseAddress(const std::string& address) {
   ErrorCode error;
-  const asio::ip::address parsed = asio::ip::make_address(address, error);
+  asio::ip::address parsed = asio::ip::make_address(address, error);
   if (error) throw std::invalid_argument("'" + address + "' is not an address to listen on");
   return parsed;
 }

@@ -171,11 +171,12 @@ TEST(Server, PausesWhenItCannotAccept) {
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &tight), 0);
   Client client(simulator.HttpPort());
   const long start = ProcessorTime();
-  std::this_thread::sleep_for(std::chrono::milliseconds(400));
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
   const long used = ProcessorTime() - start;
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
 
-  EXPECT_LT(used, 200);
+  // A few tries cost next to nothing; a busy loop takes what a loaded machine gives it.
+  EXPECT_LT(used, 30);
   client.Send(Request("Authorization: Basic VTpw\r\n"));
   EXPECT_THAT(client.ReadUntil("</CIM>"), HasSubstr("VORTA_Chassis"));
 }
