@@ -18,6 +18,7 @@
 namespace Pegasus::objects {
 
 using QualifierSet = NamedSet<CIMQualifier>;
+using PropertySet = NamedSet<CIMProperty>;
 
 struct QualifierBody {
   CIMName name;
@@ -81,7 +82,7 @@ struct ObjectBody {
   const bool isClass;
   CIMObjectPath path;  // its class name is the object's
   QualifierSet qualifiers;
-  NamedSet<CIMProperty> properties;
+  PropertySet properties;
   CIMName superClassName;
   NamedSet<CIMMethod> methods;
 };

@@ -94,8 +94,4 @@ CIMConstClass& CIMConstClass::operator=(const CIMClass& x) {
   return *this;
 }
 
-bool objects::Access::TryAddProperty(CIMClass& cimClass, CIMProperty&& property) {
-  return cimClass.Body().properties.TryAdd(std::move(property));
-}
-
 }  // namespace Pegasus

@@ -77,12 +77,6 @@ CIMInstance Access::MakeInstanceUnchecked(CIMName&& className) {
   return instance;
 }
 
-void Access::ReserveProperties(CIMInstance& instance, Uint32 count) { instance.Body().properties.Reserve(count); }
-
-bool Access::TryAddProperty(CIMInstance& instance, CIMProperty&& property) {
-  return instance.Body().properties.TryAdd(std::move(property));
-}
-
 void Access::SetPathUnchecked(CIMInstance& instance, CIMObjectPath&& path) { instance.Body().path = std::move(path); }
 
 }  // namespace objects

@@ -56,11 +56,6 @@ struct Access {
                                            Boolean propagated = false);
   /// An instance whose path is just the class; the name must not be null.
   static CIMInstance MakeInstanceUnchecked(CIMName&& className);
-  /// Makes room for `count` properties.
-  static void ReserveProperties(CIMInstance& instance, Uint32 count);
-  /// Adds the property and returns true; returns false, changing nothing, when its name is there already.
-  static bool TryAddProperty(CIMInstance& instance, CIMProperty&& property);
-  static bool TryAddProperty(CIMClass& cimClass, CIMProperty&& property);
   /// Replaces path and class name. The caller has compared the class names.
   static void SetPathUnchecked(CIMInstance& instance, CIMObjectPath&& path);
   static CIMParamValue MakeParamValueUnchecked(String&& name, CIMValue&& value, Boolean isTyped);

@@ -84,20 +84,24 @@ class NamedSet {
   }
 
   /// Appends the handle; returns false, changing nothing, when its name is there already.
-  bool TryAdd(Handle&& item) {
-    Storage& lists = Allocated();
-    const CIMName& name = BodyOf(item).name;
-    const Uint32 hash = HashName(name.getString());
-    if (Find(lists, name, hash) != PEG_NOT_FOUND) {
+  bool TryAdd(Handle&& item) { return TryAdd(std::move(item), HashName(BodyOf(item).name.getString())); }
+  /// As above; `hash` is HashName of the name.
+  bool TryAdd(Handle&& item, Uint32 hash) {
+    if (Find(Allocated(), BodyOf(item).name, hash) != PEG_NOT_FOUND) {
       return false;
     }
+    AddNew(std::move(item), hash);
+    return true;
+  }
+  /// Appends a handle whose name is known not to be there.
+  void AddNew(Handle&& item, Uint32 hash) {
+    Storage& lists = Allocated();
     lists.hashes.push_back(hash);
     lists.items.push_back(std::move(item));
     ++BodyOf(lists.items.back()).containers;
     if (lists.items.size() > kLinearLimit) {
       AddToTable(lists);
     }
-    return true;
   }
 
   /// Throws IndexOutOfBoundsException.

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "Pegasus/Common/Exception.h"
-#include "objects/internal.h"
+#include "objects/bodies.h"
 #include "wire/scalar_text.h"
 
 namespace Pegasus::wire {
@@ -16,19 +16,10 @@ namespace {
 constexpr std::size_t kMaxMembers = 4096;
 /// For how many properties room is made ahead; bounds what a small instance behind a large one can take.
 constexpr Uint32 kMaxReserved = 32;
+/// How many forms of properties are kept; bounds what a large object can take beside its properties.
+constexpr std::size_t kMaxForms = 256;
 
 }  // namespace
-
-/// The attributes of a property; data() is null for those that are missing.
-struct ObjectDecoder::PropertyAttributes {
-  std::string_view name;
-  std::string_view type;
-  std::string_view classOrigin;
-  std::string_view referenceClass;
-  std::string_view arraySize;
-  Embedded embedded = Embedded::kNone;
-  bool propagated = false;
-};
 
 Embedded ObjectDecoder::ToEmbedded(std::string_view text) const {
   if (EqualNoCase(text, "instance")) return Embedded::kInstance;
@@ -97,102 +88,100 @@ void ObjectDecoder::AddQualifiers(Owner& owner, const std::vector<CIMQualifier>&
   }
 }
 
-CIMProperty ObjectDecoder::MakeProperty(const PropertyAttributes& attributes, std::string_view element, CIMName&& name,
-                                        CIMValue&& value, Uint32 arraySize) {
-  CIMName referenceClass;
-  if (attributes.referenceClass.data() != nullptr) {
-    referenceClass = paths_.ToName(element, "REFERENCECLASS", attributes.referenceClass);
-  }
-  CIMName classOrigin;
-  if (attributes.classOrigin.data() != nullptr) {
-    classOrigin = paths_.ToName(element, "CLASSORIGIN", attributes.classOrigin);
-  }
-  return objects::Access::MakePropertyUnchecked(std::move(name), std::move(value), arraySize, std::move(referenceClass),
-                                                std::move(classOrigin), attributes.propagated);
-}
-
-CIMProperty ObjectDecoder::ReadScalarProperty() {
-  constexpr std::string_view kElement = "PROPERTY";
-  PropertyAttributes attributes = ReadPropertyAttributes(kElement);
-  attributes.referenceClass = {};
-  CIMName name = paths_.ToName(kElement, "NAME", attributes.name);
-  const ValueType type = NeedPropertyType(attributes, kElement);
-  reader_.Next();
-  const std::vector<CIMQualifier> qualifiers = ReadQualifiers();
-  CIMValue value = reader_.AtStart("VALUE") ? ReadValue(type) : CIMValue(type.Visible(), false);
-  reader_.NeedClose(kElement);
-  CIMProperty property = MakeProperty(attributes, kElement, std::move(name), std::move(value), 0);
-  AddQualifiers(property, qualifiers);
-  reader_.Leave(kElement);
-  return property;
-}
-
-CIMProperty ObjectDecoder::ReadArrayProperty() {
-  constexpr std::string_view kElement = "PROPERTY.ARRAY";
-  PropertyAttributes attributes = ReadPropertyAttributes(kElement);
-  attributes.referenceClass = {};
-  CIMName name = paths_.ToName(kElement, "NAME", attributes.name);
-  const ValueType type = NeedPropertyType(attributes, kElement);
-  const Uint32 arraySize = ToArraySize(attributes.arraySize);
-  reader_.Next();
-  const std::vector<CIMQualifier> qualifiers = ReadQualifiers();
-  CIMValue value(type.Visible(), true, arraySize);
-  if (reader_.AtStart("VALUE.ARRAY")) {
-    value = ReadValueArray(type);
-    if (arraySize != 0 && arraySize != value.getArraySize()) {
-      reader_.FailSemantic("ARRAYSIZE attribute and value-array size are different");
-    }
-  }
-  reader_.NeedClose(kElement);
-  CIMProperty property = MakeProperty(attributes, kElement, std::move(name), std::move(value), arraySize);
-  AddQualifiers(property, qualifiers);
-  reader_.Leave(kElement);
-  return property;
-}
-
-CIMProperty ObjectDecoder::ReadReferenceProperty() {
-  constexpr std::string_view kElement = "PROPERTY.REFERENCE";
-  const PropertyAttributes attributes = ReadPropertyAttributes(kElement);
-  CIMName name = paths_.ToName(kElement, "NAME", attributes.name);
-  reader_.Next();
-  const std::vector<CIMQualifier> qualifiers = ReadQualifiers();
-  CIMValue value(CIMTYPE_REFERENCE, false);
-  if (reader_.AtStart("VALUE.REFERENCE")) value = objects::Access::MakeReferenceValue(paths_.ReadReference());
-  reader_.NeedClose(kElement);
-  CIMProperty property = MakeProperty(attributes, kElement, std::move(name), std::move(value), 0);
-  AddQualifiers(property, qualifiers);
-  reader_.Leave(kElement);
-  return property;
-}
-
-bool ObjectDecoder::ReadProperty(CIMProperty& property) {
+bool ObjectDecoder::ReadPropertyForm(PropertyForm& form) {
+  form = PropertyForm();
   if (reader_.AtStart("PROPERTY")) {
-    property = ReadScalarProperty();
+    form.shape = PropertyShape::kScalar;
+    form.element = "PROPERTY";
   } else if (reader_.AtStart("PROPERTY.ARRAY")) {
-    property = ReadArrayProperty();
+    form.shape = PropertyShape::kArray;
+    form.element = "PROPERTY.ARRAY";
   } else if (reader_.AtStart("PROPERTY.REFERENCE")) {
-    property = ReadReferenceProperty();
+    form.shape = PropertyShape::kReference;
+    form.element = "PROPERTY.REFERENCE";
   } else {
     return false;
   }
+  form.tag = reader_.Tag();
+  form.attributes = ReadPropertyAttributes(form.element);
+  form.name = paths_.ToName(form.element, "NAME", form.attributes.name);
+  form.nameHash = objects::HashName(form.name.getString());
+  form.type = form.shape == PropertyShape::kReference ? ValueType{CIMTYPE_REFERENCE, Embedded::kNone}
+                                                      : NeedPropertyType(form.attributes, form.element);
+  if (form.shape == PropertyShape::kArray) form.arraySize = ToArraySize(form.attributes.arraySize);
   return true;
 }
 
-template <typename Owner>
-void ObjectDecoder::ReadProperties(Owner& owner) {
-  for (CIMProperty property; ReadProperty(property);) {
-    if (!objects::Access::TryAddProperty(owner, std::move(property))) reader_.FailSemantic("duplicate property");
+CIMValue ObjectDecoder::ReadPropertyValue(const PropertyForm& form) {
+  switch (form.shape) {
+    case PropertyShape::kScalar:
+      return reader_.AtStart("VALUE") ? ReadValue(form.type) : CIMValue(form.type.Visible(), false);
+    case PropertyShape::kReference:
+      return reader_.AtStart("VALUE.REFERENCE") ? objects::Access::MakeReferenceValue(paths_.ReadReference())
+                                                : CIMValue(CIMTYPE_REFERENCE, false);
+    case PropertyShape::kArray:
+      break;
   }
+  if (!reader_.AtStart("VALUE.ARRAY")) return {form.type.Visible(), true, form.arraySize};
+  CIMValue value = ReadValueArray(form.type);
+  if (form.arraySize != 0 && form.arraySize != value.getArraySize()) {
+    reader_.FailSemantic("ARRAYSIZE attribute and value-array size are different");
+  }
+  return value;
+}
+
+void ObjectDecoder::CompleteForm(PropertyForm& form) {
+  if (form.shape == PropertyShape::kReference && form.attributes.referenceClass.data() != nullptr) {
+    form.referenceClass = paths_.ToName(form.element, "REFERENCECLASS", form.attributes.referenceClass);
+  }
+  if (form.attributes.classOrigin.data() != nullptr) {
+    form.classOrigin = paths_.ToName(form.element, "CLASSORIGIN", form.attributes.classOrigin);
+  }
+}
+
+XmlScanner::StartTag ObjectDecoder::ExpectedTag(std::size_t index) const {
+  return index < forms_.size() ? forms_[index].tag : XmlScanner::StartTag();
+}
+
+void ObjectDecoder::ReadProperties(objects::PropertySet& properties, bool isExpected) {
+  // As long as each form is that of the object before, whose names all differ, no name can be there already.
+  bool areNamesNew = true;
+  std::size_t count = 0;
+  for (;; ++count) {
+    const std::size_t place = std::min(count, kMaxForms);
+    if (place == forms_.size()) forms_.emplace_back();
+    PropertyForm& form = forms_[place];
+    if (!isExpected && !ReadPropertyForm(form)) break;
+    reader_.Next();
+    const std::vector<CIMQualifier> qualifiers = ReadQualifiers();
+    CIMValue value = ReadPropertyValue(form);
+    reader_.NeedClose(form.element);
+    if (!isExpected) CompleteForm(form);
+    // The last place is that of all further properties, so it tells nothing about any of them.
+    if (place == kMaxForms) form.tag = {};
+    CIMProperty property = objects::Access::MakePropertyUnchecked(
+        CIMName(form.name), std::move(value), form.arraySize, CIMName(form.referenceClass), CIMName(form.classOrigin),
+        form.attributes.propagated);
+    AddQualifiers(property, qualifiers);
+    areNamesNew = areNamesNew && isExpected;
+    isExpected = reader_.LeaveTo(form.element, ExpectedTag(count + 1));
+    if (areNamesNew) {
+      properties.AddNew(std::move(property), form.nameHash);
+    } else if (!properties.TryAdd(std::move(property), form.nameHash)) {
+      reader_.FailSemantic("duplicate property");
+    }
+  }
+  forms_.resize(std::min(count, kMaxForms));
 }
 
 CIMInstance ObjectDecoder::ReadInstance(const char* message) {
   if (!reader_.AtStart("INSTANCE")) reader_.FailValidation(message);
   CIMInstance instance = objects::Access::MakeInstanceUnchecked(CIMName(paths_.NeedName("INSTANCE", "CLASSNAME")));
-  reader_.Next();
-  AddQualifiers(instance, ReadQualifiers());
-  objects::Access::ReserveProperties(instance, std::min(lastPropertyCount_, kMaxReserved));
-  ReadProperties(instance);
-  lastPropertyCount_ = instance.getPropertyCount();
+  const bool isExpected = reader_.NextIs(ExpectedTag(0));
+  if (!isExpected) AddQualifiers(instance, ReadQualifiers());
+  objects::PropertySet& properties = objects::RequireBody(instance).properties;
+  properties.Reserve(std::min(static_cast<Uint32>(forms_.size()), kMaxReserved));
+  ReadProperties(properties, isExpected);
   reader_.Leave("INSTANCE");
   return instance;
 }
@@ -207,7 +196,7 @@ CIMClass ObjectDecoder::ReadClass() {
   CIMClass cimClass(className, superClassName);
   reader_.Next();
   AddQualifiers(cimClass, ReadQualifiers());
-  ReadProperties(cimClass);
+  ReadProperties(objects::RequireBody(cimClass).properties, false);
   try {
     while (reader_.AtStart("METHOD")) {
       if (cimClass.getMethodCount() == kMaxMembers) reader_.FailValidation("too many METHOD elements");

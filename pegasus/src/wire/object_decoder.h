@@ -13,6 +13,7 @@
 #include "Pegasus/Common/CIMProperty.h"
 #include "Pegasus/Common/CIMQualifier.h"
 #include "Pegasus/Common/CIMValue.h"
+#include "objects/bodies.h"
 #include "wire/name_cache.h"
 #include "wire/path_decoder.h"
 #include "wire/xml_reader.h"
@@ -55,16 +56,40 @@ class ObjectDecoder {
   Embedded FindEmbedded() const;
 
  private:
-  struct PropertyAttributes;
+  /// The attributes of a property; data() is null for those that are missing.
+  struct PropertyAttributes {
+    std::string_view name;
+    std::string_view type;
+    std::string_view classOrigin;
+    std::string_view referenceClass;
+    std::string_view arraySize;
+    Embedded embedded = Embedded::kNone;
+    bool propagated = false;
+  };
+
+  enum class PropertyShape { kScalar, kArray, kReference };
+
+  /// All that the start tag of a property says. The instances of an answer mostly have the same properties in the same
+  /// order, so a tag with the bytes of the one that stood in its place the last time is not read again.
+  struct PropertyForm {
+    XmlScanner::StartTag tag;
+    std::string_view element;
+    PropertyShape shape = PropertyShape::kScalar;
+    PropertyAttributes attributes;
+    CIMName name;
+    Uint32 nameHash = 0;
+    ValueType type;
+    Uint32 arraySize = 0;
+    CIMName referenceClass;
+    CIMName classOrigin;
+  };
 
   PropertyAttributes ReadPropertyAttributes(std::string_view element) const;
-  /// The PROPERTY, PROPERTY.ARRAY or PROPERTY.REFERENCE in view; false when there is none.
-  bool ReadProperty(CIMProperty& property);
-  CIMProperty ReadScalarProperty();
-  CIMProperty ReadArrayProperty();
-  CIMProperty ReadReferenceProperty();
-  CIMProperty MakeProperty(const PropertyAttributes& attributes, std::string_view element, CIMName&& name,
-                           CIMValue&& value, Uint32 arraySize);
+  /// The form of the PROPERTY, PROPERTY.ARRAY or PROPERTY.REFERENCE in view; false when there is none.
+  bool ReadPropertyForm(PropertyForm& form);
+  CIMValue ReadPropertyValue(const PropertyForm& form);
+  /// The names which are looked at when the rest of the property has been read.
+  void CompleteForm(PropertyForm& form);
   ValueType NeedPropertyType(const PropertyAttributes& attributes, std::string_view element) const;
   Uint32 ToArraySize(std::string_view text) const;
 
@@ -72,8 +97,10 @@ class ObjectDecoder {
   std::vector<CIMQualifier> ReadQualifiers();
   template <typename Owner>
   void AddQualifiers(Owner& owner, const std::vector<CIMQualifier>& qualifiers) const;
-  template <typename Owner>
-  void ReadProperties(Owner& owner);
+  /// The tag that the property number `index` had in the object before; empty when there is none.
+  XmlScanner::StartTag ExpectedTag(std::size_t index) const;
+  /// The properties in view, the first of which has the expected form when `isExpected`.
+  void ReadProperties(objects::PropertySet& properties, bool isExpected);
   CIMMethod ReadMethod();
   bool ReadParameter(CIMMethod& method);
 
@@ -93,8 +120,8 @@ class ObjectDecoder {
   NameCache names_;
   PathDecoder paths_;
   unsigned embeddingDepth_;
-  /// Properties of the instance read last; the next one usually has as many.
-  Uint32 lastPropertyCount_ = 0;
+  /// Of the properties of the object read last, in their order; those of the object being read replace them.
+  std::vector<PropertyForm> forms_;
 };
 
 }  // namespace Pegasus::wire

@@ -30,6 +30,8 @@ class XmlReader {
   /// Name of the element or the text in view.
   std::string_view Text() const { return scanner_.Text(); }
 
+  /// The start tag in view.
+  const XmlScanner::StartTag& Tag() const { return scanner_.Tag(); }
   const std::vector<XmlScanner::Attribute>& Attributes() const { return scanner_.Attributes(); }
   /// An attribute of the element in view.
   std::optional<std::string_view> FindAttribute(std::string_view name) const;
@@ -47,6 +49,15 @@ class XmlReader {
   void Leave(std::string_view element) {
     if (!AtClose()) FailClose(element);
     Next();
+  }
+  /// As Next and Leave, in the hope that a start tag spelt as `tag` was comes next; see XmlScanner::NextIs.
+  bool NextIs(const XmlScanner::StartTag& tag) {
+    consumed_ = scanner_.Position();
+    return scanner_.NextIs(tag);
+  }
+  bool LeaveTo(std::string_view element, const XmlScanner::StartTag& tag) {
+    NeedClose(element);
+    return NextIs(tag);
   }
   /// Fails as Leave does, without taking anything, unless the closing tag is in view.
   void NeedClose(std::string_view element) const {

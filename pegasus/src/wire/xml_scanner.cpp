@@ -125,6 +125,24 @@ void XmlScanner::Next() {
   }
 }
 
+bool XmlScanner::NextIs(const StartTag& tag) {
+  if (closePending_ || tag.bytes.empty()) {
+    Next();
+    return false;
+  }
+  SkipWhiteSpace();
+  if (!StartsWith(cursor_, end_, tag.bytes)) {
+    Next();
+    return false;
+  }
+  cursor_ += tag.bytes.size();
+  attributes_.clear();
+  closePending_ = tag.bytes[tag.bytes.size() - 2] == '/';
+  tag_ = tag;
+  Open(tag.name);
+  return true;
+}
+
 void XmlScanner::ScanMarkup() {
   switch (cursor_[1]) {
     case '/':
@@ -163,9 +181,10 @@ std::string_view XmlScanner::ScanName(XmlError error) {
 }
 
 void XmlScanner::ScanStart() {
-  ++cursor_;
-  text_ = ScanName(XmlError::kBadOpeningElement);
+  const char* const begin = cursor_++;
+  const std::string_view name = ScanName(XmlError::kBadOpeningElement);
   attributes_.clear();
+  tagDecoded_ = false;
   if (*cursor_ != '>') {
     if (*cursor_ != '/' && !Is(*cursor_, kSpace)) Fail(XmlError::kBadOpeningElement, cursor_);
     ScanAttributes();
@@ -176,11 +195,17 @@ void XmlScanner::ScanStart() {
     if (*cursor_ != '>') Fail(XmlError::kBadOpeningElement, cursor_);
   }
   ++cursor_;
+  tag_ = tagDecoded_ ? StartTag() : StartTag{{begin, static_cast<std::size_t>(cursor_ - begin)}, name};
+  Open(name);
+}
+
+void XmlScanner::Open(std::string_view name) {
   if (open_.size() == kMaxElementNesting) {
     Fail(XmlError::kValidation, cursor_, "elements are nested too deeply");
   }
-  open_.push_back(text_);
+  open_.push_back(name);
   token_ = Token::kStart;
+  text_ = name;
 }
 
 void XmlScanner::ScanDeclaration() {
@@ -219,6 +244,7 @@ void XmlScanner::ScanAttribute() {
   if (*end == '\0') Fail(XmlError::kBadAttributeValue, end);
   cursor_ = end + 1;
   if (hasReference) {
+    tagDecoded_ = true;
     attributes_.push_back({name, DecodeReferences(begin, end)});
   } else {
     attributes_.push_back({name, {begin, static_cast<std::size_t>(end - begin)}});

@@ -47,6 +47,12 @@ class XmlScanner {
     std::string_view value;
   };
 
+  /// A start tag as it stands in the text; both empty when decoding has changed the bytes.
+  struct StartTag {
+    std::string_view bytes;  // from `<` to `>`
+    std::string_view name;
+  };
+
   /// Takes the text over. A NUL byte ends it.
   explicit XmlScanner(std::string&& text);
   XmlScanner(const XmlScanner&) = delete;
@@ -65,6 +71,12 @@ class XmlScanner {
   /// Tells whether the current kStart came from an empty-element tag.
   bool IsEmptyTag() const { return closePending_; }
 
+  /// The tag of the current kStart.
+  const StartTag& Tag() const { return tag_; }
+  /// As Next, in the hope that the next token is a start tag spelt as `tag` was. Then comparing the bytes is all it
+  /// takes: the result is true and Attributes is empty, since the caller has seen them.
+  bool NextIs(const StartTag& tag);
+
   /// Position behind the current token, for Fail.
   const char* Position() const { return cursor_; }
 
@@ -75,6 +87,7 @@ class XmlScanner {
   void ScanMarkup();
   void ScanDeclaration();
   void ScanStart();
+  void Open(std::string_view name);
   void ScanClose();
   void ScanText();
   void ScanCData();
@@ -95,6 +108,8 @@ class XmlScanner {
   Token token_ = Token::kEnd;
   bool closePending_ = false;
   std::string_view text_;
+  StartTag tag_;
+  bool tagDecoded_ = false;
   std::vector<Attribute> attributes_;
   std::vector<std::string_view> open_;
   /// Line ends that decoding removed from the buffer, less those it put there.
