@@ -7,8 +7,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
+#include <future>
+#include <optional>
 #include <pugixml.hpp>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -67,8 +70,35 @@ double PeakMemoryPerByte(const std::string& text) {
   return 1 + values / static_cast<double>(text.size());
 }
 
+/// Freed memory stays with the process: what the system takes for new pages would else be counted here or there by
+/// chance.
+void KeepFreedMemory() {
+  constexpr int kMost = 1 << 30;
+  mallopt(M_TRIM_THRESHOLD, kMost);
+  mallopt(M_MMAP_THRESHOLD, kMost);
+}
+
+/// A thread that does nothing: in a process that has more than one, sharing takes atomic operations.
+class IdleThread {
+ public:
+  IdleThread() : thread_([done = done_.get_future()] { done.wait(); }) {}
+  IdleThread(const IdleThread&) = delete;
+  IdleThread& operator=(const IdleThread&) = delete;
+  ~IdleThread() {
+    done_.set_value();
+    thread_.join();
+  }
+
+ private:
+  std::promise<void> done_;
+  std::thread thread_;
+};
+
 /// Both on the same bytes, in turns, so that what the caches hold suits both alike.
 void Decode(benchmark::State& state) {
+  KeepFreedMemory();
+  std::optional<IdleThread> other;
+  if (state.range(1) != 0) other.emplace();
   const std::string text = Orvane::bench::EnumerationResponse(static_cast<std::size_t>(state.range(0)));
   std::vector<double> decoding;
   std::vector<double> parsing;
@@ -91,6 +121,11 @@ void Decode(benchmark::State& state) {
   state.counters["peak_per_byte"] = PeakMemoryPerByte(text);
 }
 
-BENCHMARK(Decode)->Arg(1)->Arg(100)->Arg(10000)->UseManualTime()->Unit(benchmark::kMicrosecond);
+// First all rows without another thread: once there was one, sharing may stay atomic.
+BENCHMARK(Decode)
+    ->ArgNames({"instances", "threads"})
+    ->ArgsProduct({{1, 100, 10000}, {0, 1}})
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
 
 }  // namespace

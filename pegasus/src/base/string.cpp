@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "base/null_pointer.h"
+#include "base/pool.h"
 #include "base/utf8.h"
 
 namespace Pegasus {
@@ -126,9 +127,12 @@ void CString::CopyFrom(const char* text) {
 
 const String String::EMPTY;
 
-String::Rep* String::NewRep(Uint32 capacity) {
-  void* const memory = ::operator new(sizeof(Rep) + (std::size_t{capacity} + 1) * sizeof(Char16));
+String::Rep* String::NewRep(Uint32 capacity, internal::Pool* pool) {
+  const std::size_t bytes = sizeof(Rep) + (std::size_t{capacity} + 1) * sizeof(Char16);
+  Uint32 pieceOffset = 0;
+  void* const memory = pool != nullptr ? pool->Allocate(bytes, pieceOffset) : ::operator new(bytes);
   Rep* const rep = new (memory) Rep;
+  rep->head.pieceOffset = pieceOffset;
   rep->capacity = capacity;
   rep->Data()[0] = kTerminator;
   return rep;
@@ -145,13 +149,12 @@ String::Rep* String::NewRep(const Char16* units, Uint32 n) {
   return rep;
 }
 
-String::Rep* String::DecodeUtf8(const char* text, Uint32 n) {
+String::Rep* String::DecodeUtf8(const char* text, Uint32 n, internal::Pool* pool) {
   if (n == 0) {
     return nullptr;
   }
-  const Uint32 ascii = internal::CountAscii(NotNull(text), n);
-  Rep* const rep = NewRep(n);
-  internal::WidenAscii(text, ascii, rep->Data());
+  Rep* const rep = NewRep(n, pool);
+  const Uint32 ascii = internal::WidenAscii(text, n, rep->Data());
   rep->size = ascii;
   if (ascii < n) {
     try {
@@ -166,8 +169,9 @@ String::Rep* String::DecodeUtf8(const char* text, Uint32 n) {
 }
 
 void String::Free(Rep* rep) noexcept {
+  const Uint32 pieceOffset = rep->head.pieceOffset;
   rep->~Rep();
-  ::operator delete(rep);
+  internal::FreeShared(rep, pieceOffset);
 }
 
 void String::Reset(Rep* rep) noexcept {
@@ -176,7 +180,7 @@ void String::Reset(Rep* rep) noexcept {
 }
 
 bool String::IsWritable(Uint32 capacity) const noexcept {
-  return rep_ != nullptr && rep_->capacity >= capacity && rep_->references.load(std::memory_order_acquire) == 1;
+  return rep_ != nullptr && rep_->capacity >= capacity && rep_->head.IsSole();
 }
 
 Char16* String::MakeWritable(Uint32 capacity) {
@@ -189,6 +193,12 @@ Char16* String::MakeWritable(Uint32 capacity) {
     Reset(rep);
   }
   return rep_->Data();
+}
+
+String internal::PoolAccess::MakeString(Pool& pool, std::string_view text) {
+  String string;
+  string.rep_ = String::DecodeUtf8(text.data(), CheckedSize(text.size()), &pool);
+  return string;
 }
 
 // String: construction and assignment
@@ -232,10 +242,16 @@ void String::reserveCapacity(Uint32 capacity) {
 
 CString String::getCString() const {
   const Char16* const units = getChar16Data();
-  const Uint32 bytes = internal::Utf8Size(units, size());
+  const Uint32 n = size();
   CString text;
-  char* const out = text.Allocate(bytes + 1);
-  internal::EncodeUtf8(units, size(), out, bytes);
+  char* out = text.Allocate(n + 1);
+  Uint32 bytes = n;
+  if (!internal::NarrowAscii(units, n, out)) {
+    text.Release();
+    bytes = internal::Utf8Size(units, n);
+    out = text.Allocate(bytes + 1);
+    internal::EncodeUtf8(units, n, out);
+  }
   out[bytes] = '\0';
   return text;
 }

@@ -12,7 +12,8 @@ namespace {
 constexpr Uint32 kReplacement = 0xFFFD;
 constexpr Uint32 kFirstSupplementary = 0x10000;
 constexpr Uint32 kLastCodePoint = 0x10FFFF;
-constexpr Uint32 kWordUnits = 8;
+/// What the fast paths take at a time.
+constexpr Uint32 kBlock = 8;
 
 bool IsHighSurrogate(Uint32 unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLowSurrogate(Uint32 unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
@@ -71,26 +72,39 @@ CodePoint NextCodePoint(const Char16* units, Uint32 n) {
 
 }  // namespace
 
-Uint32 CountAscii(const char* text, Uint32 n) noexcept {
+Uint32 WidenAscii(const char* text, Uint32 n, Char16* out) noexcept {
   constexpr std::uint64_t kHighBits = 0x8080808080808080U;
   Uint32 i = 0;
-  for (; n - i >= kWordUnits; i += kWordUnits) {
+  for (; n - i >= kBlock; i += kBlock) {
     std::uint64_t word = 0;
     std::memcpy(&word, text + i, sizeof word);
     if ((word & kHighBits) != 0) {
       break;
     }
+    for (Uint32 k = 0; k < kBlock; ++k) {
+      out[i + k] = Uint16(static_cast<unsigned char>(text[i + k]));
+    }
   }
-  while (i < n && static_cast<unsigned char>(text[i]) < 0x80) {
-    ++i;
+  for (; i < n && static_cast<unsigned char>(text[i]) < 0x80; ++i) {
+    out[i] = Uint16(static_cast<unsigned char>(text[i]));
   }
   return i;
 }
 
-void WidenAscii(const char* text, Uint32 n, Char16* out) noexcept {
-  for (Uint32 i = 0; i < n; ++i) {
-    out[i] = Uint16(static_cast<unsigned char>(text[i]));
+bool NarrowAscii(const Char16* units, Uint32 n, char* out) noexcept {
+  Uint32 seen = 0;
+  Uint32 i = 0;
+  for (; n - i >= kBlock; i += kBlock) {
+    for (Uint32 k = 0; k < kBlock; ++k) {
+      seen |= Uint16(units[i + k]);
+      out[i + k] = static_cast<char>(Uint16(units[i + k]));
+    }
   }
+  for (; i < n; ++i) {
+    seen |= Uint16(units[i]);
+    out[i] = static_cast<char>(Uint16(units[i]));
+  }
+  return seen < 0x80;
 }
 
 Uint32 DecodeUtf8(const char* text, Uint32 begin, Uint32 n, Char16* out) {
@@ -150,13 +164,7 @@ Uint32 Utf8Size(const Char16* units, Uint32 n) noexcept {
   return size;
 }
 
-void EncodeUtf8(const Char16* units, Uint32 n, char* out, Uint32 size) noexcept {
-  if (size == n) {
-    for (Uint32 i = 0; i < n; ++i) {
-      out[i] = static_cast<char>(Uint16(units[i]));
-    }
-    return;
-  }
+void EncodeUtf8(const Char16* units, Uint32 n, char* out) noexcept {
   for (Uint32 i = 0; i < n;) {
     const CodePoint point = NextCodePoint(units + i, n - i);
     const Uint32 value = point.value;

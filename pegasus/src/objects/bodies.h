@@ -12,6 +12,7 @@
 
 #include <utility>
 
+#include "base/pool.h"
 #include "objects/internal.h"
 #include "objects/named_set.h"
 
@@ -20,7 +21,7 @@ namespace Pegasus::objects {
 using QualifierSet = NamedSet<CIMQualifier>;
 using PropertySet = NamedSet<CIMProperty>;
 
-struct QualifierBody {
+struct QualifierBody : internal::SharedBody {
   CIMName name;
   CIMValue value;
   CIMFlavor flavor;
@@ -28,7 +29,7 @@ struct QualifierBody {
   Uint32 containers = 0;  // how many objects this is part of; its name is fixed while there is one
 };
 
-struct QualifierDeclBody {
+struct QualifierDeclBody : internal::SharedBody {
   CIMName name;
   CIMValue value;
   CIMScope scope;
@@ -36,26 +37,33 @@ struct QualifierDeclBody {
   Uint32 arraySize = 0;
 };
 
-struct ParamValueBody {
+struct ParamValueBody : internal::SharedBody {
   String name;
   CIMValue value;
   Boolean isTyped = true;
 };
 
-struct PropertyBody {
-  PropertyBody(CIMName&& itsName, CIMValue&& itsValue) : name(std::move(itsName)), value(std::move(itsValue)) {}
+struct PropertyBody : internal::SharedBody {
+  PropertyBody(const CIMName& itsName, CIMValue&& itsValue, Uint32 itsArraySize, const CIMName& itsReferenceClassName,
+               const CIMName& itsClassOrigin, Boolean isPropagated) noexcept
+      : name(itsName),
+        value(std::move(itsValue)),
+        referenceClassName(itsReferenceClassName),
+        classOrigin(itsClassOrigin),
+        arraySize(itsArraySize),
+        propagated(isPropagated) {}
 
   CIMName name;
   CIMValue value;
   CIMName referenceClassName;
   CIMName classOrigin;
-  Uint32 arraySize = 0;
+  Uint32 arraySize;
   Uint32 containers = 0;
-  Boolean propagated = false;
+  Boolean propagated;
   QualifierSet qualifiers;
 };
 
-struct ParameterBody {
+struct ParameterBody : internal::SharedBody {
   CIMName name;
   CIMType type = CIMTYPE_BOOLEAN;
   Boolean isArray = false;
@@ -65,7 +73,7 @@ struct ParameterBody {
   QualifierSet qualifiers;
 };
 
-struct MethodBody {
+struct MethodBody : internal::SharedBody {
   CIMName name;
   CIMType type = CIMTYPE_BOOLEAN;
   CIMName classOrigin;
@@ -76,8 +84,8 @@ struct MethodBody {
 };
 
 /// An instance or, with the last two members in use, a class.
-struct ObjectBody {
-  explicit ObjectBody(bool ofClass) : isClass(ofClass) {}
+struct ObjectBody : internal::SharedBody {
+  explicit ObjectBody(bool ofClass) noexcept : isClass(ofClass) {}
 
   const bool isClass;
   CIMObjectPath path;  // its class name is the object's

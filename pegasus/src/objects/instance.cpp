@@ -70,9 +70,9 @@ CIMConstInstance& CIMConstInstance::operator=(const CIMInstance& x) {
 
 namespace objects {
 
-CIMInstance Access::MakeInstanceUnchecked(CIMName&& className) {
+CIMInstance Access::MakeInstanceUnchecked(CIMName&& className, internal::Pool* pool) {
   CIMInstance instance;
-  instance.body_ = std::make_shared<ObjectBody>(false);
+  instance.body_ = internal::MakeBody<ObjectBody>(pool, false);
   instance.body_->path.className_ = std::move(className);
   return instance;
 }

@@ -11,8 +11,11 @@
 #include <Pegasus/Common/CIMQualifier.h>
 #include <Pegasus/Common/CIMValue.h>
 
-#include <memory>
 #include <utility>
+
+namespace Pegasus::internal {
+class Pool;
+}
 
 namespace Pegasus::objects {
 
@@ -22,16 +25,16 @@ struct Access {
 
   /// Takes the text over.
   static CIMValue MakeStringValue(String&& text);
-  /// Takes the path over.
-  static CIMValue MakeReferenceValue(CIMObjectPath&& path);
+  /// Takes the path over, into the pool if there is one.
+  static CIMValue MakeReferenceValue(CIMObjectPath&& path, internal::Pool* pool = nullptr);
   /// Takes the handle over without cloning: nobody else may hold it. It must not be uninitialised.
   static CIMValue MakeInstanceValue(CIMInstance&& instance);
   /// Takes the handle over without cloning: nobody else may hold it. It must not be uninitialised.
   static CIMValue MakeObjectValue(CIMObject&& object);
-  /// Takes an array over; elements that are handles are not cloned and must not be uninitialised.
-  /// T: any element type CIMValue has a constructor for.
+  /// Takes an array over, into the pool if there is one; elements that are handles are not cloned and must not be
+  /// uninitialised. T: any element type CIMValue has a constructor for.
   template <typename T>
-  static CIMValue MakeArrayValue(Array<T>&& elements);
+  static CIMValue MakeArrayValue(Array<T>&& elements, internal::Pool* pool = nullptr);
 
   /// The content of a string, reference, object or instance scalar or of an array in place, without a clone; nullptr
   /// when the value is NULL. Only for a value whose type and array-ness are those of T.
@@ -51,11 +54,11 @@ struct Access {
   // ---- objects ----------------------------------------------------------------------------------------------------
 
   /// Name, array size, reference class and type must fit together.
-  static CIMProperty MakePropertyUnchecked(CIMName&& name, CIMValue&& value, Uint32 arraySize = 0,
-                                           CIMName&& referenceClassName = CIMName(), CIMName&& classOrigin = CIMName(),
-                                           Boolean propagated = false);
+  static CIMProperty MakePropertyUnchecked(const CIMName& name, CIMValue&& value, Uint32 arraySize,
+                                           const CIMName& referenceClassName, const CIMName& classOrigin,
+                                           Boolean propagated, internal::Pool* pool = nullptr);
   /// An instance whose path is just the class; the name must not be null.
-  static CIMInstance MakeInstanceUnchecked(CIMName&& className);
+  static CIMInstance MakeInstanceUnchecked(CIMName&& className, internal::Pool* pool = nullptr);
   /// Replaces path and class name. The caller has compared the class names.
   static void SetPathUnchecked(CIMInstance& instance, CIMObjectPath&& path);
   static CIMParamValue MakeParamValueUnchecked(String&& name, CIMValue&& value, Boolean isTyped);

@@ -2,8 +2,6 @@
 #include <Pegasus/Common/CIMMethod.h>
 #include <Pegasus/Common/CIMParameter.h>
 
-#include <memory>
-
 #include "objects/handle_members.h"
 
 namespace Pegasus {
@@ -40,7 +38,7 @@ CIMParameter::CIMParameter(const CIMName& name, CIMType type, Boolean isArray, U
   if ((arraySize != 0 && !isArray) || (!referenceClassName.isNull() && type != CIMTYPE_REFERENCE)) {
     throw TypeMismatchException();
   }
-  body_ = std::make_shared<objects::ParameterBody>();
+  body_ = internal::MakeBody<objects::ParameterBody>(nullptr);
   body_->name = name;
   body_->type = type;
   body_->isArray = isArray;
@@ -74,7 +72,7 @@ CIMConstParameter& CIMConstParameter::operator=(const CIMParameter& x) {
 
 CIMMethod::CIMMethod(const CIMName& name, CIMType type, const CIMName& classOrigin, Boolean propagated) {
   objects::RequireName(name);
-  body_ = std::make_shared<objects::MethodBody>();
+  body_ = internal::MakeBody<objects::MethodBody>(nullptr);
   body_->name = name;
   body_->type = type;
   body_->classOrigin = classOrigin;

@@ -10,9 +10,10 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <utility>
-#include <vector>
 
+#include "base/pool.h"
 #include "objects/internal.h"
 
 namespace Pegasus::objects {
@@ -53,41 +54,46 @@ class NamedSet {
   NamedSet(const NamedSet&) = delete;
   NamedSet& operator=(const NamedSet&) = delete;
   ~NamedSet() {
-    for (const Handle& item : *this) {
-      if (Access::BodyPointer(item).use_count() > 1) {
-        --BodyOf(item).containers;
+    internal::PoolSweep sweep;
+    const auto free = [&sweep](void* memory, Uint32 pieceOffset) { sweep.Free(memory, pieceOffset); };
+    for (Uint32 i = 0; i < Size(); ++i) {
+      auto& body = Access::BodyPointer(lists_->Items()[i]);
+      if (!body.IsSole()) {
+        --body->containers;
       }
+      body.Release(free);
     }
+    Free(lists_);
   }
 
-  Uint32 Size() const { return storage_ ? static_cast<Uint32>(storage_->items.size()) : 0; }
+  Uint32 Size() const { return lists_ != nullptr ? lists_->size : 0; }
   /// Throws IndexOutOfBoundsException.
   const Handle& At(Uint32 index) const {
     if (index >= Size()) {
       throw IndexOutOfBoundsException();
     }
-    return storage_->items[index];
+    return lists_->Items()[index];
   }
-  const Handle* begin() const { return storage_ ? storage_->items.data() : nullptr; }
+  const Handle* begin() const { return lists_ != nullptr ? lists_->Items() : nullptr; }
   const Handle* end() const { return begin() + Size(); }
 
-  void Reserve(Uint32 count) {
-    if (count != 0) {
-      Allocated().items.reserve(count);
-      Allocated().hashes.reserve(count);
+  /// Makes room for `count` items, in the pool if there is one.
+  void Reserve(Uint32 count, internal::Pool* pool = nullptr) {
+    if (count > (lists_ != nullptr ? lists_->capacity : 0)) {
+      MoveTo(NewLists(count, pool));
     }
   }
 
   /// Index of the name, PEG_NOT_FOUND when it is missing or null.
   Uint32 Find(const CIMName& name) const {
-    return name.isNull() || Size() == 0 ? PEG_NOT_FOUND : Find(*storage_, name, HashName(name.getString()));
+    return name.isNull() || Size() == 0 ? PEG_NOT_FOUND : Find(name, HashName(name.getString()));
   }
 
   /// Appends the handle; returns false, changing nothing, when its name is there already.
   bool TryAdd(Handle&& item) { return TryAdd(std::move(item), HashName(BodyOf(item).name.getString())); }
   /// As above; `hash` is HashName of the name.
   bool TryAdd(Handle&& item, Uint32 hash) {
-    if (Find(Allocated(), BodyOf(item).name, hash) != PEG_NOT_FOUND) {
+    if (Size() != 0 && Find(BodyOf(item).name, hash) != PEG_NOT_FOUND) {
       return false;
     }
     AddNew(std::move(item), hash);
@@ -95,25 +101,34 @@ class NamedSet {
   }
   /// Appends a handle whose name is known not to be there.
   void AddNew(Handle&& item, Uint32 hash) {
-    Storage& lists = Allocated();
-    lists.hashes.push_back(hash);
-    lists.items.push_back(std::move(item));
-    ++BodyOf(lists.items.back()).containers;
-    if (lists.items.size() > kLinearLimit) {
-      AddToTable(lists);
+    constexpr Uint32 kFirstCapacity = 8;
+    if (lists_ == nullptr || lists_->size == lists_->capacity) {
+      Reserve(std::max(kFirstCapacity, Size() + Size() / 2));
+    }
+    // Whatever may fail comes before the item is in.
+    if (lists_->size >= kLinearLimit) {
+      MakeTable(lists_->size + 1);
+    }
+    const Uint32 index = lists_->size++;
+    lists_->Hashes()[index] = hash;
+    new (lists_->Items() + index) Handle(std::move(item));
+    ++BodyOf(lists_->Items()[index]).containers;
+    if (lists_->table) {
+      Place(index);
     }
   }
 
   /// Throws IndexOutOfBoundsException.
   void Remove(Uint32 index) {
     --BodyOf(At(index)).containers;
-    Storage& lists = *storage_;
-    lists.items.erase(lists.items.begin() + static_cast<std::ptrdiff_t>(index));
-    lists.hashes.erase(lists.hashes.begin() + static_cast<std::ptrdiff_t>(index));
-    if (lists.items.size() > kLinearLimit) {
-      BuildTable(lists);
+    std::move(lists_->Items() + index + 1, lists_->Items() + lists_->size, lists_->Items() + index);
+    std::copy(lists_->Hashes() + index + 1, lists_->Hashes() + lists_->size, lists_->Hashes() + index);
+    --lists_->size;
+    std::destroy_at(lists_->Items() + lists_->size);
+    if (lists_->size <= kLinearLimit) {
+      lists_->table.reset();
     } else {
-      lists.table.clear();
+      FillTable();
     }
   }
 
@@ -133,81 +148,113 @@ class NamedSet {
 
  private:
   // Up to here, comparing all hashes in a row beats a table.
-  static constexpr std::size_t kLinearLimit = 64;
+  static constexpr Uint32 kLinearLimit = 64;
 
-  struct Storage {
-    std::vector<Handle> items;
-    std::vector<Uint32> hashes;
-    std::vector<Uint32> table;  // index + 1 by hash, 0 where free; a power of two long, empty for short lists
+  /// Head of the lists; `capacity` handles and as many hashes follow it in the same memory.
+  struct Lists {
+    Uint32 pieceOffset = 0;
+    Uint32 size = 0;
+    Uint32 capacity = 0;
+    Uint32 tableSize = 0;
+    std::unique_ptr<Uint32[]> table;  // index + 1 by hash, 0 where free; a power of two long, null for short lists
+
+    Handle* Items() { return reinterpret_cast<Handle*>(this + 1); }
+    Uint32* Hashes() { return reinterpret_cast<Uint32*>(Items() + capacity); }
   };
 
   static auto& BodyOf(const Handle& item) { return *Access::BodyPointer(item); }
 
-  Storage& Allocated() {
-    if (!storage_) {
-      storage_ = std::make_unique<Storage>();
-    }
-    return *storage_;
+  static Lists* NewLists(Uint32 capacity, internal::Pool* pool) {
+    static_assert(alignof(Handle) <= alignof(Lists) && sizeof(Lists) % alignof(Handle) == 0);
+    const std::size_t bytes = sizeof(Lists) + std::size_t{capacity} * (sizeof(Handle) + sizeof(Uint32));
+    Uint32 pieceOffset = 0;
+    void* const memory = pool != nullptr ? pool->Allocate(bytes, pieceOffset) : ::operator new(bytes);
+    auto* const lists = new (memory) Lists;
+    lists->pieceOffset = pieceOffset;
+    lists->capacity = capacity;
+    return lists;
   }
 
-  static Uint32 Find(const Storage& lists, const CIMName& name, Uint32 hash) {
-    const auto matches = [&](std::size_t index) {
-      return lists.hashes[index] == hash && BodyOf(lists.items[index]).name.equal(name);
+  static void Free(Lists* lists) {
+    if (lists == nullptr) {
+      return;
+    }
+    const Uint32 pieceOffset = lists->pieceOffset;
+    std::destroy_n(lists->Items(), lists->size);
+    std::destroy_at(lists);
+    internal::FreeShared(lists, pieceOffset);
+  }
+
+  void MoveTo(Lists* fresh) {
+    if (lists_ != nullptr) {
+      std::uninitialized_move_n(lists_->Items(), lists_->size, fresh->Items());
+      std::copy_n(lists_->Hashes(), lists_->size, fresh->Hashes());
+      fresh->size = lists_->size;
+      fresh->tableSize = lists_->tableSize;
+      fresh->table = std::move(lists_->table);
+      Free(lists_);
+    }
+    lists_ = fresh;
+  }
+
+  Uint32 Find(const CIMName& name, Uint32 hash) const {
+    const Uint32* const hashes = lists_->Hashes();
+    const auto matches = [&](Uint32 index) {
+      return hashes[index] == hash && BodyOf(lists_->Items()[index]).name.equal(name);
     };
-    if (lists.table.empty()) {
+    if (!lists_->table) {
       // The common answer is "none"; a loop without a way out compares several hashes at a time.
       bool isHashKnown = false;
-      for (const Uint32 known : lists.hashes) {
-        isHashKnown |= known == hash;
+      for (Uint32 i = 0; i < lists_->size; ++i) {
+        isHashKnown |= hashes[i] == hash;
       }
-      if (!isHashKnown) {
-        return PEG_NOT_FOUND;
-      }
-      for (std::size_t i = 0; i < lists.hashes.size(); ++i) {
+      for (Uint32 i = 0; isHashKnown && i < lists_->size; ++i) {
         if (matches(i)) {
-          return static_cast<Uint32>(i);
+          return i;
         }
       }
       return PEG_NOT_FOUND;
     }
-    for (std::size_t slot = Slot(lists, hash); lists.table[slot] != 0; slot = Slot(lists, slot + 1)) {
-      if (matches(lists.table[slot] - 1)) {
-        return lists.table[slot] - 1;
+    for (Uint32 slot = Slot(hash); lists_->table[slot] != 0; slot = Slot(slot + 1)) {
+      if (matches(lists_->table[slot] - 1)) {
+        return lists_->table[slot] - 1;
       }
     }
     return PEG_NOT_FOUND;
   }
 
-  static std::size_t Slot(const Storage& lists, std::size_t position) { return position & (lists.table.size() - 1); }
+  Uint32 Slot(Uint32 position) const { return position & (lists_->tableSize - 1); }
 
-  static void AddToTable(Storage& lists) {
-    if (lists.items.size() * 2 > lists.table.size()) {
-      BuildTable(lists);
-    } else {
-      Place(lists, static_cast<Uint32>(lists.items.size() - 1));
+  void Place(Uint32 index) {
+    Uint32 slot = Slot(lists_->Hashes()[index]);
+    while (lists_->table[slot] != 0) {
+      slot = Slot(slot + 1);
     }
+    lists_->table[slot] = index + 1;
   }
 
-  static void Place(Storage& lists, Uint32 index) {
-    std::size_t slot = Slot(lists, lists.hashes[index]);
-    while (lists.table[slot] != 0) {
-      slot = Slot(lists, slot + 1);
+  /// A table that stays half empty with `count` items.
+  void MakeTable(Uint32 count) {
+    if (lists_->table && count <= lists_->tableSize / 2) {
+      return;
     }
-    lists.table[slot] = index + 1;
-  }
-
-  static void BuildTable(Storage& lists) {
-    std::size_t size = 4 * kLinearLimit;
-    while (size < 4 * lists.items.size()) {
+    Uint32 size = 4 * kLinearLimit;
+    while (size / 4 < count) {
       size *= 2;
     }
-    lists.table.assign(size, 0);
-    for (Uint32 i = 0; i < lists.items.size(); ++i) {
-      Place(lists, i);
+    lists_->table = std::make_unique<Uint32[]>(size);
+    lists_->tableSize = size;
+    FillTable();
+  }
+
+  void FillTable() {
+    std::fill_n(lists_->table.get(), lists_->tableSize, 0);
+    for (Uint32 i = 0; i < lists_->size; ++i) {
+      Place(i);
     }
   }
 
-  std::unique_ptr<Storage> storage_;  // null until something is added
+  Lists* lists_ = nullptr;  // null until something is added
 };
 
 }  // namespace Pegasus::objects

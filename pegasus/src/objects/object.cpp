@@ -12,7 +12,7 @@
 namespace Pegasus {
 namespace {
 
-CIMObject ObjectOf(const std::shared_ptr<objects::ObjectBody>& body) {
+CIMObject ObjectOf(const internal::SharedPointer<objects::ObjectBody>& body) {
   CIMObject object;
   objects::Access::BodyPointer(object) = body;
   return object;

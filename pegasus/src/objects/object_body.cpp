@@ -3,15 +3,15 @@
 
 namespace Pegasus::objects {
 
-std::shared_ptr<ObjectBody> NewObjectBody(bool isClass, const CIMName& className) {
+internal::SharedPointer<ObjectBody> NewObjectBody(bool isClass, const CIMName& className) {
   RequireName(className);
-  auto body = std::make_shared<ObjectBody>(isClass);
+  auto body = internal::MakeBody<ObjectBody>(nullptr, isClass);
   body->path.setClassName(className);
   return body;
 }
 
-std::shared_ptr<ObjectBody> CloneObjectBody(const ObjectBody& body) {
-  auto copy = std::make_shared<ObjectBody>(body.isClass);
+internal::SharedPointer<ObjectBody> CloneObjectBody(const ObjectBody& body) {
+  auto copy = internal::MakeBody<ObjectBody>(nullptr, body.isClass);
   copy->path = body.path;
   copy->superClassName = body.superClassName;
   copy->qualifiers.CloneFrom(body.qualifiers);
@@ -33,7 +33,7 @@ void SetObjectPath(ObjectBody& body, const CIMObjectPath& path) {
   body.path = path;
 }
 
-std::shared_ptr<ObjectBody> CastObject(const CIMObject& object, bool toClass) {
+internal::SharedPointer<ObjectBody> CastObject(const CIMObject& object, bool toClass) {
   const auto& body = Access::BodyPointer(object);
   if (!body || body->isClass != toClass) {
     throw DynamicCastFailedException();

@@ -3,17 +3,15 @@
 
 #include <Pegasus/Common/CIMObject.h>
 
-#include <memory>
-
 #include "objects/bodies.h"
 
 namespace Pegasus::objects {
 
 /// A body for an instance or class; throws UninitializedObjectException for a null class name.
-std::shared_ptr<ObjectBody> NewObjectBody(bool isClass, const CIMName& className);
+internal::SharedPointer<ObjectBody> NewObjectBody(bool isClass, const CIMName& className);
 
 /// Independent in all its parts.
-std::shared_ptr<ObjectBody> CloneObjectBody(const ObjectBody& body);
+internal::SharedPointer<ObjectBody> CloneObjectBody(const ObjectBody& body);
 
 bool IdenticalObjectBodies(const ObjectBody& a, const ObjectBody& b);
 
@@ -21,7 +19,7 @@ bool IdenticalObjectBodies(const ObjectBody& a, const ObjectBody& b);
 void SetObjectPath(ObjectBody& body, const CIMObjectPath& path);
 
 /// The body of `object`; throws DynamicCastFailedException when there is none or it is not of the kind asked for.
-std::shared_ptr<ObjectBody> CastObject(const CIMObject& object, bool toClass);
+internal::SharedPointer<ObjectBody> CastObject(const CIMObject& object, bool toClass);
 
 /// True when the property has the qualifier Key with the value true.
 bool IsKey(const CIMProperty& property);

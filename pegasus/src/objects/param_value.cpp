@@ -41,7 +41,8 @@ void CIMParamValue::setIsTyped(Boolean isTyped) { Body().isTyped = isTyped; }
 
 CIMParamValue CIMParamValue::clone() const {
   CIMParamValue copy;
-  copy.body_ = std::make_shared<objects::ParamValueBody>(Body());
+  copy.body_ = internal::MakeBody<objects::ParamValueBody>(nullptr);
+  *copy.body_ = Body();
   return copy;
 }
 
@@ -49,7 +50,7 @@ Boolean CIMParamValue::isUninitialized() const { return !body_; }
 
 CIMParamValue objects::Access::MakeParamValueUnchecked(String&& name, CIMValue&& value, Boolean isTyped) {
   CIMParamValue parameter;
-  parameter.body_ = std::make_shared<ParamValueBody>();
+  parameter.body_ = internal::MakeBody<ParamValueBody>(nullptr);
   parameter.body_->name = std::move(name);
   parameter.body_->value = std::move(value);
   parameter.body_->isTyped = isTyped;

@@ -1,7 +1,6 @@
 // Properties: a named, typed value with its origin and qualifiers.
 #include <Pegasus/Common/CIMProperty.h>
 
-#include <memory>
 #include <utility>
 
 #include "objects/handle_members.h"
@@ -29,8 +28,8 @@ CIMProperty::CIMProperty(const CIMName& name, const CIMValue& value, Uint32 arra
   if (!FitsArraySize(value, arraySize) || (isReference ? value.isArray() : !referenceClassName.isNull())) {
     throw TypeMismatchException();
   }
-  *this = objects::Access::MakePropertyUnchecked(CIMName(name), CIMValue(value), arraySize, CIMName(referenceClassName),
-                                                 CIMName(classOrigin), propagated);
+  *this = objects::Access::MakePropertyUnchecked(name, CIMValue(value), arraySize, referenceClassName, classOrigin,
+                                                 propagated);
 }
 
 #define PEGASUS_PROPERTY_MEMBERS(Handle)                                                     \
@@ -74,22 +73,18 @@ CIMConstProperty& CIMConstProperty::operator=(const CIMProperty& x) {
 
 namespace objects {
 
-CIMProperty Access::MakePropertyUnchecked(CIMName&& name, CIMValue&& value, Uint32 arraySize,
-                                          CIMName&& referenceClassName, CIMName&& classOrigin, Boolean propagated) {
+CIMProperty Access::MakePropertyUnchecked(const CIMName& name, CIMValue&& value, Uint32 arraySize,
+                                          const CIMName& referenceClassName, const CIMName& classOrigin,
+                                          Boolean propagated, internal::Pool* pool) {
   CIMProperty property;
-  property.body_ = std::make_shared<PropertyBody>(std::move(name), std::move(value));
-  PropertyBody& body = *property.body_;
-  body.referenceClassName = std::move(referenceClassName);
-  body.classOrigin = std::move(classOrigin);
-  body.arraySize = arraySize;
-  body.propagated = propagated;
+  property.body_ = internal::MakeBody<PropertyBody>(pool, name, std::move(value), arraySize, referenceClassName,
+                                                    classOrigin, propagated);
   return property;
 }
 
 CIMProperty Access::Clone(const PropertyBody& body) {
-  CIMProperty copy =
-      MakePropertyUnchecked(CIMName(body.name), CIMValue(body.value), body.arraySize, CIMName(body.referenceClassName),
-                            CIMName(body.classOrigin), body.propagated);
+  CIMProperty copy = MakePropertyUnchecked(body.name, CIMValue(body.value), body.arraySize, body.referenceClassName,
+                                           body.classOrigin, body.propagated);
   copy.body_->qualifiers.CloneFrom(body.qualifiers);
   return copy;
 }

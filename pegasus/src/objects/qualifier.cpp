@@ -2,8 +2,6 @@
 #include <Pegasus/Common/CIMQualifier.h>
 #include <Pegasus/Common/CIMQualifierDecl.h>
 
-#include <memory>
-
 #include "objects/handle_members.h"
 
 namespace Pegasus {
@@ -28,7 +26,7 @@ bool Identical(const objects::QualifierBody& a, const objects::QualifierBody& b)
 
 CIMQualifier::CIMQualifier(const CIMName& name, const CIMValue& value, const CIMFlavor& flavor, Boolean propagated) {
   objects::RequireName(name);
-  body_ = std::make_shared<objects::QualifierBody>();
+  body_ = internal::MakeBody<objects::QualifierBody>(nullptr);
   body_->name = name;
   body_->value = value;
   body_->flavor = flavor;
@@ -74,7 +72,7 @@ PEGASUS_HANDLE_BODY(CIMQualifierDecl, QualifierDeclBody)
 CIMQualifierDecl::CIMQualifierDecl(const CIMName& name, const CIMValue& value, const CIMScope& scope,
                                    const CIMFlavor& flavor, Uint32 arraySize) {
   objects::RequireName(name);
-  body_ = std::make_shared<objects::QualifierDeclBody>();
+  body_ = internal::MakeBody<objects::QualifierDeclBody>(nullptr);
   body_->name = name;
   body_->value = value;
   body_->scope = scope;
@@ -108,7 +106,8 @@ Uint32 CIMQualifierDecl::getArraySize() const { return Body().arraySize; }
 
 CIMQualifierDecl CIMQualifierDecl::clone() const {
   CIMQualifierDecl copy;
-  copy.body_ = std::make_shared<objects::QualifierDeclBody>(Body());
+  copy.body_ = internal::MakeBody<objects::QualifierDeclBody>(nullptr);
+  *copy.body_ = Body();
   return copy;
 }
 

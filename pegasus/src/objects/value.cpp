@@ -91,9 +91,9 @@ CIMValue Access::MakeStringValue(String&& text) {
   return value;
 }
 
-CIMValue Access::MakeReferenceValue(CIMObjectPath&& path) {
+CIMValue Access::MakeReferenceValue(CIMObjectPath&& path, internal::Pool* pool) {
   CIMValue value;
-  Store(value, std::move(path));
+  Store(value, std::move(path), pool);
   return value;
 }
 

@@ -6,12 +6,12 @@
 #include <Pegasus/Common/CIMObject.h>
 #include <Pegasus/Common/CIMValue.h>
 
-#include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
 #include <variant>
 
+#include "base/pool.h"
 #include "objects/internal.h"
 
 namespace Pegasus::objects {
@@ -79,16 +79,26 @@ T Independent(const T& x) {
   }
 }
 
-/// Makes `value` hold `x`, which nobody else may share when it is or holds a handle.
+/// Content that is shared by the copies of a value.
 template <typename T>
-void Store(CIMValue& value, T&& x) {
+struct ContentBody : internal::SharedBody {
+  explicit ContentBody(T&& x) noexcept : content(std::move(x)) {}
+
+  const T content;
+};
+
+/// Makes `value` hold `x`, which nobody else may share when it is or holds a handle.
+/// @param pool where content that is not held in place goes; null for memory of its own
+template <typename T>
+void Store(CIMValue& value, T&& x, internal::Pool* pool = nullptr) {
   using Plain = std::decay_t<T>;
   if constexpr (kIsPlain<Plain>) {
     new (Access::NewScalar(value)) Plain(x);
   } else if constexpr (kInPlace<Plain>) {
     Access::Content(value) = Plain(std::forward<T>(x));
   } else {
-    Access::Content(value) = std::shared_ptr<const void>(std::make_shared<const Plain>(std::forward<T>(x)));
+    Access::Content(value) =
+        internal::SharedPointer<internal::SharedBody>(internal::NewBody<ContentBody<Plain>>(pool, std::forward<T>(x)));
   }
   Access::SetKind(value, Kind<Plain>::kType, Kind<Plain>::kIsArray);
 }
@@ -102,14 +112,14 @@ const T* Access::Peek(const CIMValue& value) {
     return std::get_if<T>(&value.content_);
   } else {
     const auto* const shared = std::get_if<CIMValue::Shared>(&value.content_);
-    return shared != nullptr ? static_cast<const T*>(shared->get()) : nullptr;
+    return shared != nullptr ? &static_cast<const ContentBody<T>*>(shared->get())->content : nullptr;
   }
 }
 
 template <typename T>
-CIMValue Access::MakeArrayValue(Array<T>&& elements) {
+CIMValue Access::MakeArrayValue(Array<T>&& elements, internal::Pool* pool) {
   CIMValue value;
-  Store(value, std::move(elements));
+  Store(value, std::move(elements), pool);
   return value;
 }
 

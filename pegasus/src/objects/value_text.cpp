@@ -15,6 +15,9 @@ namespace {
 
 using objects::Access;
 
+/// Units that most elements of arrays have at most, the blank included.
+constexpr Uint32 kUsualElement = 12;
+
 String TextOf(Boolean x) { return x ? "TRUE" : "FALSE"; }
 
 template <typename Integer, std::enable_if_t<std::is_integral_v<Integer>, int> = 0>
@@ -66,8 +69,10 @@ String CIMValue::toString() const {
     }
     const Array<T>& elements = *Access::Peek<Array<T>>(*this);
     String text;
+    text.reserveCapacity(elements.size() * kUsualElement);
     for (Uint32 i = 0; i < elements.size(); ++i) {
-      text.append(TextOf(elements[i]));
+      const auto& element = TextOf(elements[i]);
+      text.append(element.getChar16Data(), element.size());
       text.append(Char16(' '));
     }
     return text;

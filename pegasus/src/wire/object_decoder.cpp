@@ -18,6 +18,9 @@ constexpr std::size_t kMaxMembers = 4096;
 constexpr Uint32 kMaxReserved = 32;
 /// How many forms of properties are kept; bounds what a large object can take beside its properties.
 constexpr std::size_t kMaxForms = 256;
+/// What mostly stands behind the opening tag of a property.
+constexpr XmlScanner::StartTag kValueTag{"<VALUE>", "VALUE"};
+constexpr XmlScanner::StartTag kValueArrayTag{"<VALUE.ARRAY>", "VALUE.ARRAY"};
 
 }  // namespace
 
@@ -117,7 +120,7 @@ CIMValue ObjectDecoder::ReadPropertyValue(const PropertyForm& form) {
     case PropertyShape::kScalar:
       return reader_.AtStart("VALUE") ? ReadValue(form.type) : CIMValue(form.type.Visible(), false);
     case PropertyShape::kReference:
-      return reader_.AtStart("VALUE.REFERENCE") ? objects::Access::MakeReferenceValue(paths_.ReadReference())
+      return reader_.AtStart("VALUE.REFERENCE") ? objects::Access::MakeReferenceValue(paths_.ReadReference(), &pool_)
                                                 : CIMValue(CIMTYPE_REFERENCE, false);
     case PropertyShape::kArray:
       break;
@@ -146,22 +149,23 @@ XmlScanner::StartTag ObjectDecoder::ExpectedTag(std::size_t index) const {
 void ObjectDecoder::ReadProperties(objects::PropertySet& properties, bool isExpected) {
   // As long as each form is that of the object before, whose names all differ, no name can be there already.
   bool areNamesNew = true;
+  if (forms_.empty()) forms_.reserve(kMaxReserved);
   std::size_t count = 0;
   for (;; ++count) {
     const std::size_t place = std::min(count, kMaxForms);
     if (place == forms_.size()) forms_.emplace_back();
     PropertyForm& form = forms_[place];
     if (!isExpected && !ReadPropertyForm(form)) break;
-    reader_.Next();
+    reader_.NextIs(form.shape == PropertyShape::kArray ? kValueArrayTag : kValueTag);
     const std::vector<CIMQualifier> qualifiers = ReadQualifiers();
     CIMValue value = ReadPropertyValue(form);
     reader_.NeedClose(form.element);
     if (!isExpected) CompleteForm(form);
     // The last place is that of all further properties, so it tells nothing about any of them.
     if (place == kMaxForms) form.tag = {};
-    CIMProperty property = objects::Access::MakePropertyUnchecked(
-        CIMName(form.name), std::move(value), form.arraySize, CIMName(form.referenceClass), CIMName(form.classOrigin),
-        form.attributes.propagated);
+    CIMProperty property =
+        objects::Access::MakePropertyUnchecked(form.name, std::move(value), form.arraySize, form.referenceClass,
+                                               form.classOrigin, form.attributes.propagated, &pool_);
     AddQualifiers(property, qualifiers);
     areNamesNew = areNamesNew && isExpected;
     isExpected = reader_.LeaveTo(form.element, ExpectedTag(count + 1));
@@ -176,11 +180,12 @@ void ObjectDecoder::ReadProperties(objects::PropertySet& properties, bool isExpe
 
 CIMInstance ObjectDecoder::ReadInstance(const char* message) {
   if (!reader_.AtStart("INSTANCE")) reader_.FailValidation(message);
-  CIMInstance instance = objects::Access::MakeInstanceUnchecked(CIMName(paths_.NeedName("INSTANCE", "CLASSNAME")));
+  CIMInstance instance =
+      objects::Access::MakeInstanceUnchecked(CIMName(paths_.NeedName("INSTANCE", "CLASSNAME")), &pool_);
   const bool isExpected = reader_.NextIs(ExpectedTag(0));
   if (!isExpected) AddQualifiers(instance, ReadQualifiers());
   objects::PropertySet& properties = objects::RequireBody(instance).properties;
-  properties.Reserve(std::min(static_cast<Uint32>(forms_.size()), kMaxReserved));
+  properties.Reserve(std::min(static_cast<Uint32>(forms_.size()), kMaxReserved), &pool_);
   ReadProperties(properties, isExpected);
   reader_.Leave("INSTANCE");
   return instance;

@@ -13,6 +13,7 @@
 #include "Pegasus/Common/CIMProperty.h"
 #include "Pegasus/Common/CIMQualifier.h"
 #include "Pegasus/Common/CIMValue.h"
+#include "base/pool.h"
 #include "objects/bodies.h"
 #include "wire/name_cache.h"
 #include "wire/path_decoder.h"
@@ -35,8 +36,9 @@ struct ValueType {
 /// Decoder of a response's objects; every Read function expects its element in view and takes it.
 class ObjectDecoder {
  public:
-  explicit ObjectDecoder(XmlReader& reader, unsigned embeddingDepth = 0)
-      : reader_(reader), paths_(reader, names_), embeddingDepth_(embeddingDepth) {}
+  /// The objects go into the pool.
+  ObjectDecoder(XmlReader& reader, internal::Pool& pool, unsigned embeddingDepth = 0)
+      : reader_(reader), pool_(pool), paths_(reader, names_, pool), embeddingDepth_(embeddingDepth) {}
 
   PathDecoder& Paths() { return paths_; }
 
@@ -117,6 +119,7 @@ class ObjectDecoder {
   CIMValue ReadArray(Parse parse);
 
   XmlReader& reader_;
+  internal::Pool& pool_;
   NameCache names_;
   PathDecoder paths_;
   unsigned embeddingDepth_;

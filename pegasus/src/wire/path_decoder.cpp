@@ -1,6 +1,7 @@
 // The decoder of paths.
 #include "wire/path_decoder.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <utility>
@@ -15,6 +16,8 @@ namespace {
 constexpr unsigned kMaxReferenceNesting = 6;
 /// How many keys one instance name may have.
 constexpr Uint32 kMaxKeys = 1024;
+/// For how many keys room is made ahead; bounds what a small name behind a large one can take.
+constexpr Uint32 kMaxReservedKeys = 8;
 
 struct PathForm {
   std::string_view element;
@@ -54,7 +57,7 @@ CIMObjectPath PathDecoder::ReadInstanceName() {
   if (!reader_.AtStart("INSTANCENAME")) reader_.FailValidation("expected INSTANCENAME element");
   CIMName className = NeedName("INSTANCENAME", "CLASSNAME");
   reader_.Next();
-  Array<CIMKeyBinding> keys;
+  Array<CIMKeyBinding> keys = internal::PoolAccess::MakeArray<CIMKeyBinding>(pool_, lastKeyCount_);
   if (reader_.AtStart("KEYVALUE")) {
     keys.append(ReadKeyValue(CIMName()));
   } else {
@@ -63,6 +66,7 @@ CIMObjectPath PathDecoder::ReadInstanceName() {
       keys.append(ReadKeyBinding());
     }
   }
+  lastKeyCount_ = std::min(keys.size(), kMaxReservedKeys);
   reader_.Leave("INSTANCENAME");
   return objects::Access::MakePathUnchecked(String(), CIMNamespaceName(), std::move(className), std::move(keys));
 }
@@ -94,7 +98,7 @@ CIMKeyBinding PathDecoder::ReadKeyValue(CIMName&& name) {
   } else if (!EqualNoCase(typeText, "string")) {
     reader_.FailAttribute("Illegal value for KEYVALUE.VALUETYPE attribute");
   }
-  String value = ToString(reader_.TakeTextElement("KEYVALUE"));
+  String value = internal::PoolAccess::MakeString(pool_, reader_.TakeTextElement("KEYVALUE"));
   return objects::Access::MakeKeyBindingUnchecked(std::move(name), std::move(value), type);
 }
 

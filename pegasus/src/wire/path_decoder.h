@@ -5,6 +5,7 @@
 
 #include "Pegasus/Common/CIMName.h"
 #include "Pegasus/Common/CIMObjectPath.h"
+#include "base/pool.h"
 #include "wire/name_cache.h"
 #include "wire/xml_reader.h"
 
@@ -13,7 +14,9 @@ namespace Pegasus::wire {
 /// Decoder of paths; every Read function expects its element in view and takes it.
 class PathDecoder {
  public:
-  PathDecoder(XmlReader& reader, NameCache& names) : reader_(reader), names_(names) {}
+  /// The texts of keys go into the pool.
+  PathDecoder(XmlReader& reader, NameCache& names, internal::Pool& pool)
+      : reader_(reader), names_(names), pool_(pool) {}
 
   /// A name that has to be in an attribute of the element in view.
   const CIMName& NeedName(std::string_view element, std::string_view attribute);
@@ -35,6 +38,9 @@ class PathDecoder {
 
   XmlReader& reader_;
   NameCache& names_;
+  internal::Pool& pool_;
+  /// Keys of the name read last; the next one usually has as many.
+  Uint32 lastKeyCount_ = 0;
   unsigned referenceNesting_ = 0;
 };
 

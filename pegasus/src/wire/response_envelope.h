@@ -20,7 +20,7 @@ class ResponseEnvelope {
  public:
   /// Takes the body over. `messageId` is the id of the request.
   ResponseEnvelope(std::string&& body, std::uint32_t messageId)
-      : reader_(std::move(body)), decoder_(reader_), messageId_(messageId) {}
+      : pool_(body.size()), reader_(std::move(body)), decoder_(reader_, pool_), messageId_(messageId) {}
 
   XmlReader& Reader() { return reader_; }
   ObjectDecoder& Decoder() { return decoder_; }
@@ -43,6 +43,7 @@ class ResponseEnvelope {
   /// Reads an ERROR, if there is one, and the rest of the response; returns false then.
   bool CheckError();
 
+  internal::Pool pool_;
   XmlReader reader_;
   ObjectDecoder decoder_;
   std::uint32_t messageId_;

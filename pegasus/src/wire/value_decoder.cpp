@@ -14,6 +14,8 @@ namespace {
 
 /// How deep embedded objects may stand inside embedded objects.
 constexpr unsigned kMaxEmbedding = 16;
+/// For how many elements of an array room is made ahead.
+constexpr Uint32 kReservedItems = 2;
 
 /// The message for a number that the type cannot hold.
 template <typename T>
@@ -90,7 +92,7 @@ CIMDateTime ObjectDecoder::ParseDateTime(std::string_view text) const {
 CIMValue ObjectDecoder::ParseScalar(CIMType type, std::string_view text) {
   switch (type) {
     case CIMTYPE_STRING:
-      return objects::Access::MakeStringValue(ToString(text));
+      return objects::Access::MakeStringValue(internal::PoolAccess::MakeString(pool_, text));
     case CIMTYPE_BOOLEAN:
       return CIMValue(static_cast<Boolean>(ParseTruth(text)));
     case CIMTYPE_UINT8:
@@ -125,7 +127,7 @@ CIMValue ObjectDecoder::ParseScalar(CIMType type, std::string_view text) {
 CIMObject ObjectDecoder::ParseEmbedded(Embedded embedded, std::string_view text) const {
   if (embeddingDepth_ == kMaxEmbedding) reader_.FailSemantic("embedded objects are nested too deeply");
   XmlReader reader{std::string(text)};
-  ObjectDecoder decoder(reader, embeddingDepth_ + 1);
+  ObjectDecoder decoder(reader, pool_, embeddingDepth_ + 1);
   if (embedded == Embedded::kObject && reader.AtStart("CLASS")) return CIMObject(decoder.ReadClass());
   return CIMObject(decoder.ReadInstance());
 }
@@ -142,17 +144,17 @@ CIMValue ObjectDecoder::ReadValue(ValueType type) {
 template <typename T, typename Parse>
 CIMValue ObjectDecoder::ReadArray(Parse parse) {
   reader_.Next();
-  Array<T> items;
+  Array<T> items = internal::PoolAccess::MakeArray<T>(pool_, kReservedItems);
   while (reader_.AtStart("VALUE")) items.append(parse(reader_.TakeTextElement("VALUE")));
   reader_.Leave("VALUE.ARRAY");
-  return objects::Access::MakeArrayValue<T>(std::move(items));
+  return objects::Access::MakeArrayValue<T>(std::move(items), &pool_);
 }
 
 CIMValue ObjectDecoder::ReadValueArray(ValueType type) {
   using Text = std::string_view;
   switch (type.Visible()) {
     case CIMTYPE_STRING:
-      return ReadArray<String>([](Text text) { return ToString(text); });
+      return ReadArray<String>([this](Text text) { return internal::PoolAccess::MakeString(pool_, text); });
     case CIMTYPE_BOOLEAN:
       return ReadArray<Boolean>([this](Text text) { return ParseTruth(text); });
     case CIMTYPE_UINT8:
@@ -194,7 +196,7 @@ CIMValue ObjectDecoder::ReadReferenceArray() {
   Array<CIMObjectPath> items;
   while (reader_.AtStart("VALUE.REFERENCE")) items.append(paths_.ReadReference());
   reader_.Leave("VALUE.REFARRAY");
-  return objects::Access::MakeArrayValue<CIMObjectPath>(std::move(items));
+  return objects::Access::MakeArrayValue<CIMObjectPath>(std::move(items), &pool_);
 }
 
 }  // namespace Pegasus::wire

@@ -48,8 +48,11 @@ std::string_view XmlReader::TakeText() {
 }
 
 std::string_view XmlReader::TakeTextElement(std::string_view element) {
-  Next();
-  const std::string_view text = TakeText();
+  std::string_view text = scanner_.TryPlainText();
+  if (text.data() == nullptr) {
+    Next();
+    text = TakeText();
+  }
   Leave(element);
   return text;
 }

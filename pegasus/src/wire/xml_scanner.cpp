@@ -126,21 +126,19 @@ void XmlScanner::Next() {
 }
 
 bool XmlScanner::NextIs(const StartTag& tag) {
-  if (closePending_ || tag.bytes.empty()) {
-    Next();
-    return false;
+  if (!closePending_ && !tag.bytes.empty()) {
+    SkipWhiteSpace();
+    if (StartsWith(cursor_, end_, tag.bytes)) {
+      cursor_ += tag.bytes.size();
+      attributes_.clear();
+      closePending_ = tag.bytes[tag.bytes.size() - 2] == '/';
+      tag_ = tag;
+      Open(tag.name);
+      return true;
+    }
   }
-  SkipWhiteSpace();
-  if (!StartsWith(cursor_, end_, tag.bytes)) {
-    Next();
-    return false;
-  }
-  cursor_ += tag.bytes.size();
-  attributes_.clear();
-  closePending_ = tag.bytes[tag.bytes.size() - 2] == '/';
-  tag_ = tag;
-  Open(tag.name);
-  return true;
+  Next();
+  return false;
 }
 
 void XmlScanner::ScanMarkup() {
@@ -279,6 +277,22 @@ void XmlScanner::ScanText() {
   const auto size = static_cast<std::size_t>(end - begin);
   token_ = Token::kText;
   text_ = std::memchr(begin, '&', size) != nullptr ? DecodeReferences(begin, end) : std::string_view(begin, size);
+}
+
+std::string_view XmlScanner::TryPlainText() {
+  if (closePending_) return {};
+  char* const begin = cursor_;
+  const auto* const end = static_cast<const char*>(std::memchr(begin, '<', static_cast<std::size_t>(end_ - begin)));
+  if (end == nullptr || end == begin || Is(*begin, kSpace) || Is(end[-1], kSpace)) return {};
+  const auto size = static_cast<std::size_t>(end - begin);
+  if (std::memchr(begin, '&', size) != nullptr) return {};
+  const std::string_view name = open_.back();
+  if (end[1] != '/' || !StartsWith(end + 2, end_, name) || end[2 + name.size()] != '>') return {};
+  cursor_ = begin + size + name.size() + 3;
+  open_.pop_back();
+  token_ = Token::kClose;
+  text_ = name;
+  return {begin, size};
 }
 
 void XmlScanner::ScanCData() {

@@ -76,6 +76,9 @@ class XmlScanner {
   /// As Next, in the hope that the next token is a start tag spelt as `tag` was. Then comparing the bytes is all it
   /// takes: the result is true and Attributes is empty, since the caller has seen them.
   bool NextIs(const StartTag& tag);
+  /// With a kStart in view: goes on to the closing tag and returns the text before it if there is nothing but text,
+  /// and nothing in it to be decoded. Otherwise the result has no data and the kStart stays in view.
+  std::string_view TryPlainText();
 
   /// Position behind the current token, for Fail.
   const char* Position() const { return cursor_; }

@@ -3,8 +3,8 @@
 #pragma once
 
 #include <Pegasus/Common/Exception.h>
+#include <Pegasus/Common/Shared.h>
 
-#include <atomic>
 #include <memory>
 #include <new>
 #include <utility>
@@ -70,9 +70,11 @@ PEGASUS_ARRAY_ELEMENT(CIMQualifierDecl);
 PEGASUS_ARRAY_ELEMENT(CIMValue);
 #undef PEGASUS_ARRAY_ELEMENT
 
+struct PoolAccess;
+
 /// Head of an array's buffer; the elements follow it in the same allocation.
-struct alignas(16) ArrayRep {
-  std::atomic<Uint32> references{1};
+struct alignas(8) ArrayRep {
+  SharedHead head;
   Uint32 size = 0;
   Uint32 capacity = 0;
 };
@@ -87,7 +89,7 @@ class PEGASUS_COMMON_LINKAGE Array {
   Array() noexcept { internal::ArrayElement<T>::Require(); }
   Array(const Array& other) noexcept : rep_(other.rep_) {
     if (rep_ != nullptr) {
-      rep_->references.fetch_add(1, std::memory_order_relaxed);
+      rep_->head.Retain();
     }
   }
   Array(Array&& other) noexcept : rep_(other.rep_) { other.rep_ = nullptr; }
@@ -201,25 +203,29 @@ class PEGASUS_COMMON_LINKAGE Array {
   }
 
  private:
+  friend struct internal::PoolAccess;
+
   using Rep = internal::ArrayRep;
   static_assert(sizeof(Rep) == 16, "elements must follow the head aligned");
 
   T* Data() const noexcept { return Data(rep_); }
   static T* Data(Rep* rep) noexcept { return reinterpret_cast<T*>(rep + 1); }
 
-  static Rep* NewRep(Uint32 capacity) {
+  static std::size_t Bytes(Uint32 capacity) noexcept { return sizeof(Rep) + std::size_t{capacity} * sizeof(T); }
+  static Rep* NewRep(Uint32 capacity) { return NewRep(::operator new(Bytes(capacity)), capacity); }
+  static Rep* NewRep(void* memory, Uint32 capacity) noexcept {
     static_assert(alignof(T) <= alignof(Rep), "element alignment");
-    void* const memory = ::operator new (sizeof(Rep) + std::size_t{capacity} * sizeof(T));
     Rep* const rep = new (memory) Rep;
     rep->capacity = capacity;
     return rep;
   }
 
   static void Release(Rep* rep) noexcept {
-    if (rep != nullptr && rep->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    if (rep != nullptr && rep->head.Drop()) {
       std::destroy_n(Data(rep), rep->size);
+      const Uint32 pieceOffset = rep->head.pieceOffset;
       rep->~Rep();
-      ::operator delete(rep);
+      internal::FreeShared(rep, pieceOffset);
     }
   }
 
@@ -237,7 +243,7 @@ class PEGASUS_COMMON_LINKAGE Array {
   }
 
   bool IsWritable(Uint32 capacity) const noexcept {
-    return rep_ != nullptr && rep_->capacity >= capacity && rep_->references.load(std::memory_order_acquire) == 1;
+    return rep_ != nullptr && rep_->capacity >= capacity && rep_->head.IsSole();
   }
 
   /// Makes this array the only owner of a buffer for at least `capacity` elements, growing by half or more.
@@ -251,7 +257,7 @@ class PEGASUS_COMMON_LINKAGE Array {
     }
     Array fresh;
     fresh.rep_ = NewRep(capacity);
-    const bool own = rep_ != nullptr && rep_->references.load(std::memory_order_acquire) == 1;
+    const bool own = rep_ != nullptr && rep_->head.IsSole();
     const Uint32 count = size();
     for (Uint32 i = 0; i < count; ++i) {
       if (own) {

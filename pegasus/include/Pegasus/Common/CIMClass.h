@@ -10,9 +10,8 @@
 #include <Pegasus/Common/CIMQualifier.h>
 #include <Pegasus/Common/Config.h>
 #include <Pegasus/Common/Linkage.h>
+#include <Pegasus/Common/Shared.h>
 #include <Pegasus/Common/String.h>
-
-#include <memory>
 
 namespace Pegasus {
 
@@ -86,7 +85,7 @@ class PEGASUS_COMMON_LINKAGE CIMClass {
   friend struct objects::Access;
   objects::ObjectBody& Body() const;
 
-  std::shared_ptr<objects::ObjectBody> body_;
+  internal::SharedPointer<objects::ObjectBody> body_;
 };
 
 /// The reading half of CIMClass, sharing its body.
@@ -123,7 +122,7 @@ class PEGASUS_COMMON_LINKAGE CIMConstClass {
   friend struct objects::Access;
   objects::ObjectBody& Body() const;
 
-  std::shared_ptr<objects::ObjectBody> body_;
+  internal::SharedPointer<objects::ObjectBody> body_;
 };
 
 }  // namespace Pegasus

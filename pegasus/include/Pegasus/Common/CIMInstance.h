@@ -9,9 +9,8 @@
 #include <Pegasus/Common/CIMQualifier.h>
 #include <Pegasus/Common/Config.h>
 #include <Pegasus/Common/Linkage.h>
+#include <Pegasus/Common/Shared.h>
 #include <Pegasus/Common/String.h>
-
-#include <memory>
 
 namespace Pegasus {
 
@@ -72,7 +71,7 @@ class PEGASUS_COMMON_LINKAGE CIMInstance {
   friend struct objects::Access;
   objects::ObjectBody& Body() const;
 
-  std::shared_ptr<objects::ObjectBody> body_;
+  internal::SharedPointer<objects::ObjectBody> body_;
 };
 
 /// The reading half of CIMInstance, sharing its body.
@@ -101,7 +100,7 @@ class PEGASUS_COMMON_LINKAGE CIMConstInstance {
   friend struct objects::Access;
   objects::ObjectBody& Body() const;
 
-  std::shared_ptr<objects::ObjectBody> body_;
+  internal::SharedPointer<objects::ObjectBody> body_;
 };
 
 }  // namespace Pegasus

@@ -9,9 +9,8 @@
 #include <Pegasus/Common/CIMType.h>
 #include <Pegasus/Common/Config.h>
 #include <Pegasus/Common/Linkage.h>
+#include <Pegasus/Common/Shared.h>
 #include <Pegasus/Common/String.h>
-
-#include <memory>
 
 namespace Pegasus {
 
@@ -68,7 +67,7 @@ class PEGASUS_COMMON_LINKAGE CIMMethod {
   friend struct objects::Access;
   objects::MethodBody& Body() const;
 
-  std::shared_ptr<objects::MethodBody> body_;
+  internal::SharedPointer<objects::MethodBody> body_;
 };
 
 /// The reading half of CIMMethod, sharing its body.
@@ -96,7 +95,7 @@ class PEGASUS_COMMON_LINKAGE CIMConstMethod {
   friend struct objects::Access;
   objects::MethodBody& Body() const;
 
-  std::shared_ptr<objects::MethodBody> body_;
+  internal::SharedPointer<objects::MethodBody> body_;
 };
 
 }  // namespace Pegasus

@@ -9,9 +9,8 @@
 #include <Pegasus/Common/CIMQualifier.h>
 #include <Pegasus/Common/Config.h>
 #include <Pegasus/Common/Linkage.h>
+#include <Pegasus/Common/Shared.h>
 #include <Pegasus/Common/String.h>
-
-#include <memory>
 
 namespace Pegasus {
 
@@ -75,7 +74,7 @@ class PEGASUS_COMMON_LINKAGE CIMObject {
   friend struct objects::Access;
   objects::ObjectBody& Body() const;
 
-  std::shared_ptr<objects::ObjectBody> body_;
+  internal::SharedPointer<objects::ObjectBody> body_;
 };
 
 /// The reading half of CIMObject, sharing its body.
@@ -106,7 +105,7 @@ class PEGASUS_COMMON_LINKAGE CIMConstObject {
   friend struct objects::Access;
   objects::ObjectBody& Body() const;
 
-  std::shared_ptr<objects::ObjectBody> body_;
+  internal::SharedPointer<objects::ObjectBody> body_;
 };
 
 }  // namespace Pegasus

@@ -6,9 +6,8 @@
 #include <Pegasus/Common/CIMValue.h>
 #include <Pegasus/Common/Config.h>
 #include <Pegasus/Common/Linkage.h>
+#include <Pegasus/Common/Shared.h>
 #include <Pegasus/Common/String.h>
-
-#include <memory>
 
 namespace Pegasus {
 
@@ -38,7 +37,7 @@ class PEGASUS_COMMON_LINKAGE CIMParamValue {
   friend struct objects::Access;
   objects::ParamValueBody& Body() const;
 
-  std::shared_ptr<objects::ParamValueBody> body_;
+  internal::SharedPointer<objects::ParamValueBody> body_;
 };
 
 }  // namespace Pegasus

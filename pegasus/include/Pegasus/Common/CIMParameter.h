@@ -7,9 +7,8 @@
 #include <Pegasus/Common/CIMType.h>
 #include <Pegasus/Common/Config.h>
 #include <Pegasus/Common/Linkage.h>
+#include <Pegasus/Common/Shared.h>
 #include <Pegasus/Common/String.h>
-
-#include <memory>
 
 namespace Pegasus {
 
@@ -57,7 +56,7 @@ class PEGASUS_COMMON_LINKAGE CIMParameter {
   friend struct objects::Access;
   objects::ParameterBody& Body() const;
 
-  std::shared_ptr<objects::ParameterBody> body_;
+  internal::SharedPointer<objects::ParameterBody> body_;
 };
 
 /// The reading half of CIMParameter, sharing its body.
@@ -83,7 +82,7 @@ class PEGASUS_COMMON_LINKAGE CIMConstParameter {
   friend struct objects::Access;
   objects::ParameterBody& Body() const;
 
-  std::shared_ptr<objects::ParameterBody> body_;
+  internal::SharedPointer<objects::ParameterBody> body_;
 };
 
 }  // namespace Pegasus

@@ -8,9 +8,8 @@
 #include <Pegasus/Common/CIMValue.h>
 #include <Pegasus/Common/Config.h>
 #include <Pegasus/Common/Linkage.h>
+#include <Pegasus/Common/Shared.h>
 #include <Pegasus/Common/String.h>
-
-#include <memory>
 
 namespace Pegasus {
 
@@ -68,7 +67,7 @@ class PEGASUS_COMMON_LINKAGE CIMProperty {
   friend struct objects::Access;
   objects::PropertyBody& Body() const;
 
-  std::shared_ptr<objects::PropertyBody> body_;
+  internal::SharedPointer<objects::PropertyBody> body_;
 };
 
 /// The reading half of CIMProperty, sharing its body.
@@ -98,7 +97,7 @@ class PEGASUS_COMMON_LINKAGE CIMConstProperty {
   friend struct objects::Access;
   objects::PropertyBody& Body() const;
 
-  std::shared_ptr<objects::PropertyBody> body_;
+  internal::SharedPointer<objects::PropertyBody> body_;
 };
 
 }  // namespace Pegasus

@@ -9,9 +9,8 @@
 #include <Pegasus/Common/CIMValue.h>
 #include <Pegasus/Common/Config.h>
 #include <Pegasus/Common/Linkage.h>
+#include <Pegasus/Common/Shared.h>
 #include <Pegasus/Common/String.h>
-
-#include <memory>
 
 namespace Pegasus {
 
@@ -54,7 +53,7 @@ class PEGASUS_COMMON_LINKAGE CIMQualifier {
   friend struct objects::Access;
   objects::QualifierBody& Body() const;
 
-  std::shared_ptr<objects::QualifierBody> body_;
+  internal::SharedPointer<objects::QualifierBody> body_;
 };
 
 /// The reading half of CIMQualifier, sharing its body.
@@ -78,7 +77,7 @@ class PEGASUS_COMMON_LINKAGE CIMConstQualifier {
   friend struct objects::Access;
   objects::QualifierBody& Body() const;
 
-  std::shared_ptr<objects::QualifierBody> body_;
+  internal::SharedPointer<objects::QualifierBody> body_;
 };
 
 }  // namespace Pegasus

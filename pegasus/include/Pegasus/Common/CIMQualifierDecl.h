@@ -10,9 +10,8 @@
 #include <Pegasus/Common/CIMValue.h>
 #include <Pegasus/Common/Config.h>
 #include <Pegasus/Common/Linkage.h>
+#include <Pegasus/Common/Shared.h>
 #include <Pegasus/Common/String.h>
-
-#include <memory>
 
 namespace Pegasus {
 
@@ -47,7 +46,7 @@ class PEGASUS_COMMON_LINKAGE CIMQualifierDecl {
   friend struct objects::Access;
   objects::QualifierDeclBody& Body() const;
 
-  std::shared_ptr<objects::QualifierDeclBody> body_;
+  internal::SharedPointer<objects::QualifierDeclBody> body_;
 };
 
 }  // namespace Pegasus

@@ -9,9 +9,9 @@
 #include <Pegasus/Common/Char16.h>
 #include <Pegasus/Common/Config.h>
 #include <Pegasus/Common/Linkage.h>
+#include <Pegasus/Common/Shared.h>
 #include <Pegasus/Common/String.h>
 
-#include <memory>
 #include <variant>
 
 namespace Pegasus {
@@ -164,7 +164,7 @@ class PEGASUS_COMMON_LINKAGE CIMValue {
 
   // Paths, objects, instances and arrays of anything are held behind a pointer to content that never changes, so
   // copies of a value may share it.
-  using Shared = std::shared_ptr<const void>;
+  using Shared = internal::SharedPointer<internal::SharedBody>;
   /// A truth value, number or character; type_ tells which. Few alternatives make a variant that is cheap to move.
   struct Scalar {
     alignas(8) unsigned char bytes[8];

@@ -3,11 +3,16 @@
 #pragma once
 
 #include <Pegasus/Common/Char16.h>
+#include <Pegasus/Common/Shared.h>
 
-#include <atomic>
 #include <iosfwd>
 
 namespace Pegasus {
+
+namespace internal {
+class Pool;
+struct PoolAccess;
+}  // namespace internal
 
 /// An owned, zero-terminated UTF-8 text. The pointer it converts to dies with the object.
 class PEGASUS_COMMON_LINKAGE CString {
@@ -108,25 +113,28 @@ class PEGASUS_COMMON_LINKAGE String {
   static Boolean equalNoCase(const String& a, const String& b) noexcept;
 
  private:
+  friend struct internal::PoolAccess;
+
   /// Head of a buffer; the units and a terminating zero follow it in the same allocation.
   struct Rep {
-    std::atomic<Uint32> references{1};
+    internal::SharedHead head;
     Uint32 size = 0;
     Uint32 capacity = 0;
     Char16* Data() noexcept { return reinterpret_cast<Char16*>(this + 1); }
   };
 
-  static Rep* NewRep(Uint32 capacity);
+  /// In the pool, or in memory of its own when there is none.
+  static Rep* NewRep(Uint32 capacity, internal::Pool* pool = nullptr);
   static Rep* NewRep(const Char16* units, Uint32 n);
-  static Rep* DecodeUtf8(const char* text, Uint32 n);
+  static Rep* DecodeUtf8(const char* text, Uint32 n, internal::Pool* pool = nullptr);
   static void Free(Rep* rep) noexcept;
   static void Retain(Rep* rep) noexcept {
     if (rep != nullptr) {
-      rep->references.fetch_add(1, std::memory_order_relaxed);
+      rep->head.Retain();
     }
   }
   static void Release(Rep* rep) noexcept {
-    if (rep != nullptr && rep->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    if (rep != nullptr && rep->head.Drop()) {
       Free(rep);
     }
   }
