@@ -46,6 +46,9 @@ constexpr std::string_view kNoCause[] = {"the return code of installPackage_CMM 
                                          "update failed and the return code message is ",
                                          "reboot CMM failed and the return code message is "};
 
+// A failed job's own words, which come after lines that only classify them.
+constexpr std::string_view kJobsWords = "Update failed and the reason is:  ";
+
 struct MessageCause {
   std::string_view start;
   CauseKind kind;
@@ -129,7 +132,7 @@ Cause FindCause(const std::vector<Log::Record>& records) {
     if (record.level != 1 || ConnectFailure(record.text) || TellsNoCause(record.text)) continue;
     Cause cause = ClassifyMessage(record.text);
     if (IsHard(cause.kind)) return cause;
-    if (soft.kind == CauseKind::kNone) soft = std::move(cause);
+    if (soft.kind == CauseKind::kNone || StartsWith(record.text, kJobsWords)) soft = std::move(cause);
   }
   // A connection refused on the way, after answers came, is looked for last: the error before it is the reason.
   if (Cause connect = FindConnectCause(records); connect.kind != CauseKind::kNone) return connect;

@@ -3,14 +3,13 @@
 
 #include <orvane/simulator/simulator.h>
 
-#include <chrono>
 #include <exception>
 #include <random>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 #include "cli/failure.h"
+#include "cli/simulated_time.h"
 #include "cli/text.h"
 
 namespace Orvane::cli {
@@ -32,26 +31,9 @@ simulator::Model ModelOf(const std::string& path) {
   return path.empty() ? simulator::BuiltInModel() : simulator::LoadModel(path);
 }
 
-class SimulatedTime : public PassingTime {
- public:
-  explicit SimulatedTime(std::shared_ptr<simulator::ManualClock> clock) : clock_(std::move(clock)) {}
-
-  std::chrono::milliseconds Now() const override { return clock_->Now(); }
-
-  void Pass(std::chrono::milliseconds duration) override {
-    clock_->Advance(duration);
-    std::this_thread::sleep_for(kShownFor);
-  }
-
-  std::chrono::milliseconds Slice() const override { return kSlice; }
-
- private:
-  // A pause of a minute is seen to pass, in a tenth of a second.
-  static constexpr std::chrono::milliseconds kSlice{10000};
-  static constexpr std::chrono::milliseconds kShownFor{10};
-
-  std::shared_ptr<simulator::ManualClock> clock_;
-};
+simulator::FaultPlan FaultsOf(const std::string& path) {
+  return path.empty() ? simulator::FaultPlan() : simulator::LoadFaultPlan(path);
+}
 
 }  // namespace
 
@@ -62,10 +44,11 @@ EmbeddedSimulator::EmbeddedSimulator(const Simulation& simulation)
     options.password = RandomPassword();
     options.httpPort = kProtocolOff;
     options.clock = clock_;
+    options.faults = FaultsOf(simulation.faultsPath);
     simulator_ = std::make_unique<simulator::Simulator>(ModelOf(simulation.modelPath), options);
     access_ = {options.address, simulator_->HttpsPort(), options.user, options.password};
   } catch (const simulator::ModelError& error) {
-    throw Failure(ExitStatus::kUsage, kNoLibraryCode, "the model cannot be used: " + Neutralise(error.what()));
+    throw Failure(ExitStatus::kUsage, kNoLibraryCode, "the simulator cannot use " + Neutralise(error.what()));
   } catch (const std::system_error& error) {
     throw Failure(ExitStatus::kFailed, kNoLibraryCode, "the simulator cannot start: " + Neutralise(error.what()));
   }

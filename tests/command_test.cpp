@@ -314,7 +314,7 @@ TEST_F(SimulatorOutside, IsReadWithAPasswordFromStandardInput) {
 
 TEST_F(SimulatorOutside, IsReadWithAPasswordTypedWithoutEcho) {
   const Result result =
-      RunOrvaneOnTerminal(Access({"chassis"}).arguments, std::string(SimulatorProgram::kPassword) + "\n");
+      RunOrvaneOnTerminal(Access({"chassis"}), "Password", std::string(SimulatorProgram::kPassword) + "\n");
 
   EXPECT_EQ(result.status, 0) << result.output;
   EXPECT_THAT(result.output, HasSubstr("Password of USERID at 127.0.0.1: "));
@@ -322,7 +322,7 @@ TEST_F(SimulatorOutside, IsReadWithAPasswordTypedWithoutEcho) {
 }
 
 TEST_F(SimulatorOutside, AnInterruptedQuestionEndsWith130) {
-  EXPECT_EQ(RunOrvaneOnTerminal(Access({"chassis"}).arguments, "\x03").status, 130);
+  EXPECT_EQ(RunOrvaneOnTerminal(Access({"chassis"}), "Password", "\x03").status, 130);
 }
 
 TEST_F(SimulatorOutside, IsReadOverPlainHttpAfterHttpsFailedWithoutAWarning) {

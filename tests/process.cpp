@@ -73,8 +73,14 @@ int StatusOf(int waited) {
   return WIFSIGNALED(waited) ? kSignalBase + WTERMSIG(waited) : WEXITSTATUS(waited);
 }
 
+// What is sent to the child once a text was read from the last stream.
+struct Trigger {
+  std::string text;
+  int signal = 0;
+};
+
 // Reads both descriptors to their ends, or kills the child when it takes too long.
-void Drain(pid_t child, std::array<std::pair<int, std::string*>, 2> streams) {
+void Drain(pid_t child, std::array<std::pair<int, std::string*>, 2> streams, Trigger trigger = {}) {
   const auto deadline = std::chrono::steady_clock::now() + kLongestRun;
   std::array<pollfd, 2> waiting = {{{streams[0].first, POLLIN, 0}, {streams[1].first, POLLIN, 0}}};
   while (waiting[0].fd >= 0 || waiting[1].fd >= 0) {
@@ -96,7 +102,12 @@ void Drain(pid_t child, std::array<std::pair<int, std::string*>, 2> streams) {
         waiting[i].fd = -1;
       }
     }
+    if (trigger.signal != 0 && streams[1].second->find(trigger.text) != std::string::npos) {
+      kill(child, trigger.signal);
+      trigger.signal = 0;
+    }
   }
+  EXPECT_EQ(trigger.signal, 0) << "never showed: " << trigger.text;
 }
 
 pid_t Start(const std::string& program, const Invocation& run, Pipe& in, Pipe& out, Pipe& err) {
@@ -122,7 +133,9 @@ pid_t Start(const std::string& program, const Invocation& run, Pipe& in, Pipe& o
 
 }  // namespace
 
-Result RunProgram(const std::string& program, const Invocation& run) {
+namespace {
+
+Result RunWith(const std::string& program, const Invocation& run, const Trigger& trigger) {
   Pipe in;
   Pipe out;
   Pipe err;
@@ -132,19 +145,27 @@ Result RunProgram(const std::string& program, const Invocation& run) {
   }
   in.CloseWrite();
   Result result;
-  Drain(child, {{{out.read, &result.output}, {err.read, &result.errors}}});
+  Drain(child, {{{out.read, &result.output}, {err.read, &result.errors}}}, trigger);
   int waited = 0;
   waitpid(child, &waited, 0);
   result.status = StatusOf(waited);
   return result;
 }
 
+}  // namespace
+
+Result RunProgram(const std::string& program, const Invocation& run) { return RunWith(program, run, {}); }
+
+Result RunOrvaneUntil(const std::string& text, int signal, const Invocation& run) {
+  return RunWith(ORVANE_COMMAND, run, {text, signal});
+}
+
 Result RunOrvane(const Invocation& run) { return RunProgram(ORVANE_COMMAND, run); }
 
-Result RunOrvaneOnTerminal(const std::vector<std::string>& arguments, const std::string& typed) {
-  std::vector<std::string> texts = arguments;
+Result RunOrvaneOnTerminal(const Invocation& run, const std::string& prompt, const std::string& typed) {
+  std::vector<std::string> texts = run.arguments;
   texts.insert(texts.begin(), ORVANE_COMMAND);
-  std::vector<std::string> variables = ChildEnvironment({});
+  std::vector<std::string> variables = ChildEnvironment(run.environment);
   const std::vector<char*> argv = Pointers(texts);
   const std::vector<char*> envp = Pointers(variables);
   int terminal = -1;
@@ -164,7 +185,7 @@ Result RunOrvaneOnTerminal(const std::vector<std::string>& arguments, const std:
     const ssize_t got = read(terminal, buffer.data(), buffer.size());
     if (got <= 0) break;  // the other end is closed: the program has ended
     result.output.append(buffer.data(), static_cast<std::size_t>(got));
-    if (!asked && result.output.find("Password") != std::string::npos) {
+    if (!asked && result.output.find(prompt) != std::string::npos) {
       asked = true;
       EXPECT_EQ(write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
     }

@@ -28,9 +28,12 @@ Result RunProgram(const std::string& program, const Invocation& run);
 /// Runs the command.
 Result RunOrvane(const Invocation& run);
 
-/// Runs the command on a terminal of its own, types @p typed once "Password" was asked for, and returns all that the
-/// terminal showed as Result::output.
-Result RunOrvaneOnTerminal(const std::vector<std::string>& arguments, const std::string& typed);
+/// Runs the command and sends it @p signal once its standard error shows @p text; the test fails when it never does.
+Result RunOrvaneUntil(const std::string& text, int signal, const Invocation& run);
+
+/// Runs the command on a terminal of its own, types @p typed once it shows @p prompt, and returns all that the terminal
+/// showed as Result::output.
+Result RunOrvaneOnTerminal(const Invocation& run, const std::string& prompt, const std::string& typed);
 
 /// A temporary folder, removed with everything in it.
 class Folder {

@@ -71,7 +71,7 @@ const ResultTable& CmmUpdateResults() {
 const ResultTable& CmmRebootResults() {
   static const ResultTable kRows = Join(
       {{
-           {0, kWentDown, kDone, "the CMM restarts", "", ""},
+           {0, kWentDown, kDone, "the CMM was restarted", "", ""},
            {0, nullptr, kFailed, "the CMM was asked to restart, but was not seen to do so",
             "it went on answering for two minutes", kWaitAndRepeat},
            {1, kNoRebootConnection, kNoConnection, "no connection to the CMM; nothing was done",

@@ -105,7 +105,7 @@ ResultTable StateAnswerRows(int code) {
       {code, "Invoke method 'RequestStateChange': In Use", kNotFound, kNothingDone, "it answered 6: it is in use",
        kWaitAndRepeat},
       {code, started, kFailed, "the module started a job of its own, which is not followed",
-       "it answered 4096 instead of doing so at once", "look whether it restarts: the verify command"},
+       "it answered 4096 instead of doing so at once", "look whether it restarts with the verify command"},
       {code, transition, kFailed, kNothingDone, "it answered 4097: not possible in its present state", kWaitAndRepeat},
       {code, timeout, kFailed, kNothingDone, "it answered 4098: no time-out supported", kSeeLog},
       {code, busy, kNotFound, kNothingDone, "it answered 4099: it is busy", kWaitAndRepeat},

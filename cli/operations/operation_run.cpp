@@ -38,6 +38,14 @@ std::string Named(const Subject& subject) {
   return Neutralise(subject.product.empty() ? subject.label : subject.label + " (" + subject.product + ")");
 }
 
+std::string WithBay(std::string advice, int bay) {
+  constexpr std::string_view kPlace = "BAY";
+  if (const std::size_t at = advice.find(kPlace); at != std::string::npos) {
+    advice.replace(at, kPlace.size(), std::to_string(bay));
+  }
+  return advice;
+}
+
 Json VersionsJson(const std::optional<Subject>& subject) {
   if (!subject || !subject->versions) return nullptr;
   const FirmwareColumns& versions = *subject->versions;
@@ -108,7 +116,7 @@ Outcome OperationRun::Check(const Context& context, const Subject& subject) cons
   outcome.text = FieldList(fields);
   outcome.data = {{"target", Neutralise(subject.label)}, {"product", subject.product},
                   {"packages", MaskedPackages()},        {"versions_before", VersionsJson(subject)},
-                  {"offered_version", nullptr},          {"plan", plan}};
+                  {"versions_offered", offers},          {"plan", plan}};
   return outcome;
 }
 
@@ -181,8 +189,8 @@ Outcome OperationRun::Execute(const Context& context, const Subject& subject) {
 int OperationRun::Call(const Context& context) {
   context.log.Clear();
   const LogCapture::Watch watch(context.log, [this](const Log::Record& record, bool shown) {
-    if (shown) progress_->Clear();
     progress_->OnRecord(record);
+    if (shown) progress_->Clear();
   });
   const Pauses pauses(context.time, *progress_);
   const PrintedLines printed([this](const std::string& line) { progress_->OnMessage(line); });
@@ -196,10 +204,12 @@ int OperationRun::Call(const Context& context) {
 OperationRun::Ending OperationRun::Judge(const Context& context, int code) const {
   const std::vector<Log::Record> records = context.log.Records();
   const Result result = FindResult(operation_.results(), code, records);
-  Ending ending{code, result.row->status, result.row->text, result.row->advice};
+  Ending ending{code, result.row->status, result.row->text, WithBay(result.row->advice, options_.bay)};
   const bool failed = ending.status != ExitStatus::kDone;
   std::string cause = result.row->cause;
-  std::string detail = result.detail.empty() ? FindCause(records).text : result.detail;
+  // The line that names the job only tells that there is one.
+  const bool tells = !result.detail.empty() && JobInLine(result.detail).empty();
+  std::string detail = tells ? result.detail : FindCause(records).text;
   if (const Cause refusal = FindRefusal(records); failed && refusal.kind == CauseKind::kRefused) {
     ending.status = ExitStatus::kRefused;
     cause = "user or password was refused";

@@ -11,8 +11,10 @@ constexpr auto kNotFound = ExitStatus::kNotFound;
 constexpr auto kRefused = ExitStatus::kRefused;
 constexpr auto kGaveUp = ExitStatus::kGaveUp;
 
-constexpr const char* kVerifyNext = "see when it is back with: orvane passthru verify";
-constexpr const char* kRestartNext = "the new firmware runs after: orvane passthru reboot";
+constexpr const char* kVerifyNext = "see when it is back with: orvane passthru verify --bay BAY";
+constexpr const char* kRestartNext = "the new firmware runs after: orvane passthru reboot --bay BAY";
+
+constexpr const char* kJobText = "JobStatus string that will be used to get the update status = ";
 
 ResultTable StateChangeRows(const char* done) {
   return Join(
@@ -57,9 +59,9 @@ const ResultTable& PassThruUpdateResults() {
                  "user or password was changed meanwhile, or the user may not read jobs", kCheckUser},
                 {5, nullptr, kRefused, "the management module denied access; nothing was installed",
                  "the user may not install firmware", kCheckUser},
-                {6, nullptr, kFailed, "the installation failed at the management module",
+                {6, kJobText, kFailed, "the installation failed at the management module",
                  "the job's state and words are none that are known", kSeeLog},
-                {15, nullptr, kFailed, "the installation failed at the management module",
+                {15, kJobText, kFailed, "the installation failed at the management module",
                  "the job ended without having written the whole image", kWaitAndRepeat},
                 {18, nullptr, kNotFound, "another update is in progress; nothing was installed", "", kWaitAndRepeat},
                 {212, nullptr, kFailed, "an unexpected error ended it", "the management module gave no usable answer",

@@ -23,7 +23,7 @@ struct ResultRow {
   ExitStatus status;
   const char* text;    ///< What happened, as the end of a sentence that begins with the operation's name.
   const char* cause;   ///< Why; empty when the text says it.
-  const char* advice;  ///< What to do; empty when there is nothing to do.
+  const char* advice;  ///< What to do, with BAY for the bay; empty when there is nothing to do.
 };
 
 /// The rows of an operation in the order in which they are tried.

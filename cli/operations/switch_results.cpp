@@ -15,9 +15,9 @@ constexpr const char* kStateChanged = "Invoke method 'RequestStateChange': Compl
 constexpr const char* kSkipped = "deferedupdatesupported==null or 0 and have fallback section";
 constexpr const char* kNoDeferredConnection = "cmm connection error while getting deferedupdatesupported property";
 constexpr const char* kNoDeferredProperty = "cmm check deferedupdatesupported property not supported";
-constexpr const char* kRebootLater = "restart it with: orvane switch reboot, or orvane switch reseat";
+constexpr const char* kRebootLater = "restart it with: orvane switch reboot --bay BAY";
 constexpr const char* kCheckPackage = "check that the management module can fetch the package and that it fits";
-constexpr const char* kVerifyNext = "see when it is back with: orvane switch verify";
+constexpr const char* kVerifyNext = "see when it is back with: orvane switch verify --bay BAY";
 
 // How the management module's own words about a failed job are classified.
 const ResultTable& JobFailureRows() {
@@ -68,7 +68,7 @@ const ResultTable& SwitchUpdateResults() {
             "it does not defer updates: it restarts by itself, or takes the image over while it runs", kVerifyNext},
            {0, kStateChanged, kDone, "installed, and the switch was restarted", "", kVerifyNext},
            {0, nullptr, kDone, "installed; the switch was not restarted", "--no-reboot was given",
-            "activate the image and restart the switch with: orvane switch activate, then orvane switch reboot"},
+            "it runs after activation and a restart; activate it with: orvane switch activate --bay BAY"},
            {1, "Failed to connect the CMM when try to get the result of the InstallFromURI call!", kGaveUp,
             "the connection was lost while the job ran; the job goes on at the management module",
             "the management module did not accept a connection", kListShows},
@@ -99,7 +99,7 @@ const ResultTable& SwitchActivateResults() {
   static const ResultTable kRows = Join(
       {{
            {0, nullptr, kDone, "the fallback image is the next one", "",
-            "it runs after a restart: orvane switch reboot, or orvane switch reseat"},
+            "it runs after: orvane switch reboot --bay BAY"},
            {1, nullptr, kNoConnection, "no connection to the management module",
             "it accepted none of three connections", kCheckConnection},
            {2, nullptr, kFailed, "the image could not be activated", "the management module refused the change",
@@ -123,7 +123,7 @@ const ResultTable& SwitchRebootResults() {
                  "it could not be found out whether it defers updates", kSeeLog},
                 {0, kSkipped, kNotFound, "the switch was not restarted",
                  "it does not defer updates: it restarts by itself, or takes an image over while it runs",
-                 "restart it all the same with: orvane switch reseat"},
+                 "restart it all the same with: orvane switch reseat --bay BAY"},
                 {0, nullptr, kFailed, "the switch was not restarted", "", kSeeLog},
             },
             StateRequestRows()});
@@ -171,7 +171,7 @@ const ResultTable& SwitchDeferredResults() {
   static const ResultTable kRows =
       Join({{
                 {33, nullptr, kDone, "supported", "an installed image runs after a restart that has to be asked for",
-                 "restart the switch after an update: orvane switch reboot"},
+                 "restart the switch after an update: orvane switch reboot --bay BAY"},
                 {34, nullptr, kDone, "not supported",
                  "the switch restarts by itself, or takes an image over while it runs", ""},
                 {1, nullptr, kNoConnection, "no connection to the management module",

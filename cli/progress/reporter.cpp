@@ -1,4 +1,4 @@
-// Plain lines are few: one for each step and each minute of waiting. JSON lines hold every event but ticks.
+// Plain lines are few: one for each step and for every five minutes of waiting. JSON lines hold every event but ticks.
 #include "cli/progress/reporter.h"
 
 #include <sys/ioctl.h>
@@ -16,7 +16,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-constexpr seconds kReminder{60};
+constexpr seconds kReminder{300};
 
 double InSeconds(milliseconds duration) { return std::chrono::duration<double>(duration).count(); }
 
