@@ -99,10 +99,7 @@ const Installation::Kind* Installation::FindKind(const ObjectPath& target) {
 }
 
 MethodResult Installation::InstallFromUri(ObjectStore& store, const std::vector<MethodParameter>& sent) {
-  const MethodParameters parameters(sent, {{"URI", CimType::kString, false, true},
-                                           {"Target", CimType::kReference, false, true},
-                                           {"InstallOptions", CimType::kUint16, true, false},
-                                           {"InstallOptionsValues", CimType::kString, true, false}});
+  const MethodParameters parameters(sent, "CIM_SoftwareInstallationService", "InstallFromURI");
   const auto uri = parameters.Text("URI");
   const auto target = parameters.Reference("Target");
   if (!uri || !target || uri->empty() || uri->size() > kLongestUri) return {kInvalidParameter, {}};

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "cim/cim_error.h"
+#include "cim/class_repository.h"
 
 namespace Orvane::simulator {
 
@@ -27,19 +28,20 @@ void Check(const MethodParameter& sent, const ParameterDeclaration& declared) {
 
 }  // namespace
 
-MethodParameters::MethodParameters(const std::vector<MethodParameter>& sent,
-                                   const std::vector<ParameterDeclaration>& declared)
+MethodParameters::MethodParameters(const std::vector<MethodParameter>& sent, std::string_view className,
+                                   std::string_view method)
     : sent_(sent) {
+  const std::vector<ParameterDeclaration>& declared = FindClass(className)->FindMethod(method)->parameters;
   for (const MethodParameter& parameter : sent) {
     const auto found = std::find_if(declared.begin(), declared.end(), [&](const ParameterDeclaration& known) {
-      return EqualNames(known.name, parameter.name);
+      return !known.isOut && EqualNames(known.name, parameter.name);
     });
     if (found == declared.end()) Refuse(parameter.name, "is unknown");
     Check(parameter, *found);
   }
   for (const ParameterDeclaration& known : declared) {
     const auto isIt = [&](const MethodParameter& parameter) { return EqualNames(known.name, parameter.name); };
-    if (known.isRequired && std::none_of(sent.begin(), sent.end(), isIt)) Refuse(known.name, "is missing");
+    if (known.isRequired && std::none_of(sent.begin(), sent.end(), isIt)) Refuse(std::string(known.name), "is missing");
   }
 }
 

@@ -4,26 +4,19 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "cim/types.h"
 #include "wire/request.h"
 
 namespace Orvane::simulator {
 
-struct ParameterDeclaration {
-  const char* name;
-  CimType type;
-  bool isArray;
-  /// Must be there, NULL or not.
-  bool isRequired;
-};
-
 /// A view of the parameters; they must outlive it.
 class MethodParameters {
  public:
+  /// @param className  a class that declares the method
   /// @throws CimError kInvalidParameter  a parameter is unknown, missing, or of another type than declared
-  MethodParameters(const std::vector<MethodParameter>& sent, const std::vector<ParameterDeclaration>& declared);
+  MethodParameters(const std::vector<MethodParameter>& sent, std::string_view className, std::string_view method);
 
   /// NULL and what was not sent read as none.
   std::optional<std::string> Text(const char* name) const;

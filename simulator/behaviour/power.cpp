@@ -85,8 +85,7 @@ void SetNodePower(ObjectStore& store, const ObjectPath& node, const ObjectPath& 
 
 MethodResult Power::RequestStateChange(ObjectStore& store, const ObjectPath& target,
                                        const std::vector<MethodParameter>& sent) {
-  const MethodParameters parameters(
-      sent, {{"RequestedState", CimType::kUint16, false, true}, {"TimeoutPeriod", CimType::kDateTime, false, false}});
+  const MethodParameters parameters(sent, "CIM_EnabledLogicalElement", "RequestStateChange");
   const auto sentState = parameters.Text("RequestedState");
   const auto timeout = parameters.Text("TimeoutPeriod");
   if (!sentState) return {kInvalidParameter, {}};
@@ -150,10 +149,7 @@ void Power::ImageModified(ObjectStore& store, const ObjectPath& association) {
 
 MethodResult Power::RequestPowerStateChange(ObjectStore& store, const ObjectPath& service,
                                             const std::vector<MethodParameter>& sent) {
-  const MethodParameters parameters(sent, {{"PowerState", CimType::kUint16, false, true},
-                                           {"ManagedElement", CimType::kReference, false, true},
-                                           {"Time", CimType::kDateTime, false, false},
-                                           {"TimeoutPeriod", CimType::kDateTime, false, false}});
+  const MethodParameters parameters(sent, "CIM_PowerManagementService", "RequestPowerStateChange");
   const auto sentState = parameters.Text("PowerState");
   const auto element = parameters.Reference("ManagedElement");
   const auto timeout = parameters.Text("TimeoutPeriod");

@@ -22,7 +22,7 @@ struct ClassRow {
   std::string_view superclass;
   bool isAssociation = false;
   std::vector<PropertyRow> properties = {};
-  std::vector<std::string_view> methods = {};
+  std::vector<MethodDeclaration> methods = {};
 };
 
 constexpr CimType kBool = CimType::kBoolean;
@@ -41,6 +41,15 @@ PropertyRow Default(std::string_view name, CimType type, std::string_view text) 
 PropertyRow End(std::string_view name, std::string_view target) {
   return {name, CimType::kReference, false, true, target};
 }
+
+// Parameters of methods. The schema wants none of them; the required ones are those without which a method has nothing
+// to do.
+ParameterDeclaration In(std::string_view name, CimType type) { return {name, type}; }
+ParameterDeclaration InArray(std::string_view name, CimType type) { return {name, type, true}; }
+ParameterDeclaration Required(std::string_view name, CimType type, std::string_view target = {}) {
+  return {name, type, false, true, false, target};
+}
+ParameterDeclaration JobOut() { return {"Job", CimType::kReference, false, false, true, "CIM_ConcreteJob"}; }
 
 // Names, types, defaults and inheritance as in the DMTF schema 2.41. Superclasses stand before their subclasses.
 std::vector<ClassRow> ClassTable() {
@@ -62,7 +71,7 @@ std::vector<ClassRow> ClassTable() {
        {Plain("EnabledState", kU16), Plain("OtherEnabledState"), Default("RequestedState", kU16, "12"),
         Default("EnabledDefault", kU16, "2"), Plain("TimeOfLastStateChange", kTime),
         Array("AvailableRequestedStates", kU16), Default("TransitioningToState", kU16, "12")},
-       {"RequestStateChange"}},
+       {{"RequestStateChange", {Required("RequestedState", kU16), JobOut(), In("TimeoutPeriod", kTime)}}}},
       {"CIM_System",
        "CIM_EnabledLogicalElement",
        false,
@@ -99,10 +108,22 @@ std::vector<ClassRow> ClassTable() {
        false,
        {Key("SystemCreationClassName"), Key("SystemName"), Key("CreationClassName"), Key("Name"),
         Plain("PrimaryOwnerName"), Plain("PrimaryOwnerContact"), Plain("StartMode"), Plain("Started", kBool)},
-       {"StartService", "StopService"}},
-      {"CIM_PowerManagementService", "CIM_Service", false, {}, {"RequestPowerStateChange"}},
+       {{"StartService", {}}, {"StopService", {}}}},
+      {"CIM_PowerManagementService",
+       "CIM_Service",
+       false,
+       {},
+       {{"RequestPowerStateChange",
+         {Required("PowerState", kU16), Required("ManagedElement", CimType::kReference, "CIM_ManagedElement"),
+          In("Time", kTime), JobOut(), In("TimeoutPeriod", kTime)}}}},
       {"VORTA_PowerManagementService", "CIM_PowerManagementService"},
-      {"CIM_SoftwareInstallationService", "CIM_Service", false, {}, {"InstallFromURI"}},
+      {"CIM_SoftwareInstallationService",
+       "CIM_Service",
+       false,
+       {},
+       {{"InstallFromURI",
+         {JobOut(), Required("URI", kText), Required("Target", CimType::kReference, "CIM_ManagedElement"),
+          InArray("InstallOptions", kU16), InArray("InstallOptionsValues", kText)}}}},
       {"VORTA_SoftwareInstallationService", "CIM_SoftwareInstallationService"},
       {"CIM_Job",
        "CIM_LogicalElement",
@@ -252,7 +273,9 @@ struct Repository {
         *inherited = own;
       }
     }
-    declaration.methods.insert(declaration.methods.end(), row.methods.begin(), row.methods.end());
+    for (const MethodDeclaration& method : row.methods) {
+      declaration.methods.push_back({method.name, method.parameters, row.name});
+    }
     byLowerName.emplace(LowerCase(row.name), classes.size());
     classes.push_back(std::move(declaration));
   }
@@ -271,8 +294,10 @@ const PropertyDeclaration* ClassDeclaration::FindProperty(std::string_view wante
   return found == properties.end() ? nullptr : &*found;
 }
 
-bool ClassDeclaration::HasMethod(std::string_view wanted) const {
-  return std::any_of(methods.begin(), methods.end(), [&](std::string_view own) { return EqualNames(own, wanted); });
+const MethodDeclaration* ClassDeclaration::FindMethod(std::string_view wanted) const {
+  const auto found = std::find_if(methods.begin(), methods.end(),
+                                  [&](const MethodDeclaration& own) { return EqualNames(own.name, wanted); });
+  return found == methods.end() ? nullptr : &*found;
 }
 
 const ClassDeclaration* FindClass(std::string_view name) {

@@ -23,6 +23,25 @@ struct PropertyDeclaration {
   std::string_view originClass;
 };
 
+struct ParameterDeclaration {
+  std::string_view name;
+  CimType type;
+  bool isArray = false;
+  /// Must be sent, as NULL if need be.
+  bool isRequired = false;
+  /// Comes back from the method, and only that.
+  bool isOut = false;
+  /// For references: the class that the reference may point to.
+  std::string_view referenceClass = {};
+};
+
+struct MethodDeclaration {
+  std::string_view name;
+  std::vector<ParameterDeclaration> parameters;
+  /// The class that declares the method.
+  std::string_view originClass = {};
+};
+
 struct ClassDeclaration {
   std::string_view name;
   /// Empty for a root class.
@@ -31,10 +50,11 @@ struct ClassDeclaration {
   /// Own and inherited properties, the superclass's first.
   std::vector<PropertyDeclaration> properties;
   /// Own and inherited extrinsic methods.
-  std::vector<std::string_view> methods;
+  std::vector<MethodDeclaration> methods;
 
   const PropertyDeclaration* FindProperty(std::string_view name) const;
-  bool HasMethod(std::string_view name) const;
+  const MethodDeclaration* FindMethod(std::string_view name) const;
+  bool HasMethod(std::string_view wanted) const { return FindMethod(wanted) != nullptr; }
 };
 
 /// Looks a class up by its name in any case; null when there is none. The declaration lives as long as the process.

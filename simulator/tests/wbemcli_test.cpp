@@ -70,6 +70,26 @@ TEST_P(Wbemcli, FollowsAssociationsToNames) {
   EXPECT_THAT(output, Not(HasSubstr("IPProtocolEndpoint")));
 }
 
+TEST_P(Wbemcli, InvokesAMethod) {
+  const std::string module =
+      R"(VORTA_IOModuleComputerSystem.CreationClassName="VORTA_IOModuleComputerSystem",Name="iomodule01")";
+  const auto request = [&](const std::string& state) {
+    return Run("cm", module + "' 'RequestStateChange.RequestedState=" + state);
+  };
+  EXPECT_THAT(request("3"), HasSubstr("RequestStateChange: 4097"));
+  EXPECT_THAT(request("11"), HasSubstr("RequestStateChange: 0"));
+  EXPECT_THAT(request("11"), HasSubstr("RequestStateChange: 4099"));
+  EXPECT_THAT(Run("gi", module), HasSubstr("PostStatusDescription=\"Module is running POST.\""));
+}
+
+TEST_P(Wbemcli, IsToldAMissingParameter) {
+  const std::string output =
+      Run("cm", R"(VORTA_SoftwareInstallationService.CreationClassName="VORTA_SoftwareInstallationService",)"
+                R"(Name="FirmwareUpdate",SystemCreationClassName="CIM_System",SystemName="chassis1")"
+                "' 'InstallFromURI.URI=x");
+  EXPECT_THAT(output, HasSubstr("CIM_ERR_INVALID_PARAMETER: The parameter 'Target' is missing"));
+}
+
 TEST_P(Wbemcli, IsToldAnUnknownClass) { EXPECT_THAT(Run("ein", "CIM_Nonsense"), HasSubstr("CIM_ERR_INVALID_CLASS")); }
 
 TEST_P(Wbemcli, IsRefusedWithAWrongPassword) {

@@ -74,6 +74,42 @@ void AppendPropertyEnd(std::string& out, const PropertyDeclaration& property) {
   out += ">\n";
 }
 
+void AppendQualifier(std::string& out, std::string_view name, bool value) {
+  out += "<QUALIFIER";
+  AppendAttribute(out, "NAME", name);
+  out += " TYPE=\"boolean\" OVERRIDABLE=\"false\">\n<VALUE>";
+  out += value ? "TRUE" : "FALSE";
+  out += "</VALUE>\n</QUALIFIER>\n";
+}
+
+void AppendParameter(std::string& out, const ParameterDeclaration& parameter, bool qualifiers) {
+  const bool isReference = parameter.type == CimType::kReference;
+  const std::string element =
+      isReference ? "PARAMETER.REFERENCE" : (parameter.isArray ? "PARAMETER.ARRAY" : "PARAMETER");
+  out += "<" + element;
+  AppendAttribute(out, "NAME", parameter.name);
+  AppendAttribute(out, isReference ? "REFERENCECLASS" : "TYPE",
+                  isReference ? parameter.referenceClass : TypeName(parameter.type));
+  out += ">\n";
+  if (qualifiers) {
+    AppendQualifier(out, "IN", !parameter.isOut);
+    AppendQualifier(out, "OUT", parameter.isOut);
+  }
+  out += "</" + element + ">\n";
+}
+
+void AppendMethod(std::string& out, const MethodDeclaration& method, const ClassDeclaration& owner, bool classOrigin,
+                  bool qualifiers) {
+  out += "<METHOD";
+  AppendAttribute(out, "NAME", method.name);
+  AppendAttribute(out, "TYPE", "uint32");
+  if (classOrigin) AppendAttribute(out, "CLASSORIGIN", method.originClass);
+  if (method.originClass != owner.name) AppendAttribute(out, "PROPAGATED", "true");
+  out += ">\n";
+  for (const ParameterDeclaration& parameter : method.parameters) AppendParameter(out, parameter, qualifiers);
+  out += "</METHOD>\n";
+}
+
 std::string Frame(std::string_view messageId, std::string_view element, std::string_view name,
                   const std::function<void(std::string&)>& content) {
   std::string out =
@@ -186,25 +222,21 @@ void AppendInstance(std::string& out, const Instance& instance, const Selection&
 
 void AppendClass(std::string& out, const ClassDeclaration& declaration, const Selection& selection, bool localOnly,
                  bool qualifiers) {
-  constexpr const char* kTrueQualifier =
-      " TYPE=\"boolean\" OVERRIDABLE=\"false\">\n<VALUE>TRUE</VALUE>\n</QUALIFIER>\n";
   out += "<CLASS";
   AppendAttribute(out, "NAME", declaration.name);
   if (!declaration.superclass.empty()) AppendAttribute(out, "SUPERCLASS", declaration.superclass);
   out += ">\n";
-  if (qualifiers && declaration.isAssociation) {
-    out += "<QUALIFIER NAME=\"Association\"";
-    out += kTrueQualifier;
-  }
+  if (qualifiers && declaration.isAssociation) AppendQualifier(out, "Association", true);
   for (const PropertyDeclaration& property : declaration.properties) {
     if (!IsShown(property, selection) || (localOnly && property.originClass != declaration.name)) continue;
     AppendPropertyStart(out, property, declaration, selection.classOrigin);
-    if (qualifiers && property.isKey) {
-      out += "<QUALIFIER NAME=\"Key\"";
-      out += kTrueQualifier;
-    }
+    if (qualifiers && property.isKey) AppendQualifier(out, "Key", true);
     if (!property.defaultText.empty()) AppendValue(out, Value::Text(std::string(property.defaultText)), false);
     AppendPropertyEnd(out, property);
+  }
+  for (const MethodDeclaration& method : declaration.methods) {
+    if (localOnly && method.originClass != declaration.name) continue;
+    AppendMethod(out, method, declaration, selection.classOrigin, qualifiers);
   }
   out += "</CLASS>\n";
 }
