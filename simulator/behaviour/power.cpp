@@ -16,6 +16,7 @@ namespace Orvane::simulator {
 namespace {
 
 constexpr std::uint32_t kCompleted = 0;
+constexpr std::uint32_t kNotSupported = 1;
 constexpr std::uint32_t kInvalidParameter = 5;
 constexpr std::uint32_t kInUse = 6;
 constexpr std::uint32_t kInvalidStateTransition = 4097;
@@ -92,7 +93,9 @@ MethodResult Power::RequestStateChange(ObjectStore& store, const ObjectPath& tar
   const std::string state = CanonicalText(CimType::kUint16, *sentState);
   if (!IsLegalRequest(state)) return {kInvalidParameter, {}};
   if (timeout) return {IsInterval(*timeout) ? kTimeoutNotSupported : kInvalidParameter, {}};
-  if (!Offers(store, target, state) || (state != kReset && state != kReseat)) return {kInvalidStateTransition, {}};
+  if (!Offers(store, target, state)) return {kInvalidStateTransition, {}};
+  // A model may offer more than there is.
+  if (state != kReset && state != kReseat) return {kNotSupported, {}};
   const Instance& element = store.Get(target);
   if (IsInTransition(element)) return {kBusy, {}};
   if (installation_.IsBusy(target)) return {kInUse, {}};
@@ -170,6 +173,7 @@ MethodResult Power::RequestPowerStateChange(ObjectStore& store, const ObjectPath
       continue;
     }
     if (!Contains(association->Find("AvailableRequestedPowerStates"), state)) return {kInvalidStateTransition, {}};
+    if (state != kPowerOn && state != kPowerOff && state != kReseat) return {kNotSupported, {}};
     if (IsInTransition(store.Get(node))) return {kBusy, {}};
     const ObjectPath path = association->Path();
     const bool wasOn = TextOf(*association, "PowerState") == kPowerOn;
