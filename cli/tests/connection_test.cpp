@@ -120,7 +120,7 @@ class PasswordFileTest : public ::testing::Test {
   void TearDown() override { std::filesystem::remove_all(folder_); }
 
   std::string Write(const std::string& text, mode_t mode) const {
-    const std::string path = folder_ + "/password";
+    std::string path = folder_ + "/password";
     std::ofstream(path, std::ios::binary) << text;
     EXPECT_EQ(chmod(path.c_str(), mode), 0);
     return path;

@@ -108,7 +108,7 @@ int CMMTarnInventoryImp::collectIOModuleData(CIMIODataList& list) {
 
 void CMMTarnInventoryImp::CollectIOModule(const CIMInstance& instance, CIMIODataList& list) {
   const auto module = boost::make_shared<CIMIOData>();
-  const CIMObjectPath path = instance.getPath();
+  const CIMObjectPath& path = instance.getPath();
   const int physical = collectPhysicalInfo(path, cim::kComputerSystemPackage, cim::kPhysicalPackage, module->Physical);
   if (physical != kOk) {
     ORVANE_LOG(kLogError) << "perform func[collectPhysicalInfo] failed"
@@ -155,7 +155,7 @@ int CMMTarnInventoryImp::collectPassThruModuleData(CIMIODataList& list) {
 int CMMTarnInventoryImp::CollectPassThruModule(const CIMInstance& instance, CIMIODataList& list) {
   const auto module = boost::make_shared<CIMIOData>();
   module->IsPassThru = true;
-  const CIMObjectPath path = instance.getPath();
+  const CIMObjectPath& path = instance.getPath();
   int result = collectPhysicalInfo(path, cim::kRealizes, cim::kPhysicalPackage, module->Physical);
   if (result != kOk) {
     ORVANE_LOG(kLogError) << "Failed to perform func[collectPhysicalInfo]."

@@ -311,9 +311,11 @@ TEST_F(BadInput, OddNamesMakeTheRoundTripAsKeys) {
 TEST_F(BadInput, SeparateInventoriesWorkSideBySide) {
   server.OnEnumerate("CIM_ComputerSystem", Objects({System("cmm01", {29})}));
   ScriptCmm("cmm01", "1");
+  constexpr int kThreads = 4;
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   std::atomic<int> good{0};
-  for (int t = 0; t < 4; ++t) {
+  for (int t = 0; t < kThreads; ++t) {
     threads.emplace_back([&] {
       CMMInventory own("127.0.0.1", server.Port(), "USERID", "s3cret");
       for (int i = 0; i < 5; ++i) {

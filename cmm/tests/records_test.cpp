@@ -190,7 +190,7 @@ TEST(Records, ModuleStartsAsNoPassThruAndEmpty) {
 TEST(Records, CopyOfCmmHasEveryMember) {
   const CMMData source = MakeCmm();
 
-  const CMMData copy(source);
+  const CMMData copy(source);  // NOLINT(performance-unnecessary-copy-initialization): the copy is what is tested
   CMMData assigned;
   assigned = source;
 
@@ -226,7 +226,7 @@ TEST(Records, MoveAssignmentOfCmmLeavesTextsAndSequencesEmpty) {
 TEST(Records, CopyOfModuleHasEveryMember) {
   const CIMIOData source = MakeModule();
 
-  const CIMIOData copy(source);
+  const CIMIOData copy(source);  // NOLINT(performance-unnecessary-copy-initialization): the copy is what is tested
   CIMIOData assigned;
   assigned = source;
 

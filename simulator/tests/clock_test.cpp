@@ -110,8 +110,10 @@ TEST(ManualClock, StandsStillWhileWorkGoesOn) {
 
 TEST(ManualClock, AddsUpTheMovesOfSeveralThreads) {
   ManualClock clock;
+  constexpr int kThreads = 4;
   std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
+  threads.reserve(kThreads);
+  for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&clock] {
       for (int n = 0; n < 100; ++n) clock.Advance(milliseconds(3));
     });

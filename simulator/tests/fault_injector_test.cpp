@@ -195,6 +195,7 @@ TEST_F(Injector, CarriesOutInTheOrderInWhichItCounts) {
                          chassis_, operations_);
   std::vector<std::thread> threads;
   std::vector<int> refused(4);
+  threads.reserve(refused.size());
   for (int& count : refused) {
     threads.emplace_back([&] {
       for (int i = 0; i < 10; ++i) count += injector.Answer(Call()).status == 503 ? 1 : 0;

@@ -137,6 +137,7 @@ TEST(FaultMatcher, CountsRequestsOfSeveralThreadsOnceEach) {
   FaultMatcher matcher = Matcher(R"({"occurrence":{"from":101,"to":250}})");
   std::vector<std::size_t> met(4);
   std::vector<std::thread> threads;
+  threads.reserve(met.size());
   for (std::size_t& count : met) {
     threads.emplace_back([&matcher, &count] {
       for (int i = 0; i < 100; ++i) count += matcher.Meet(kEnumerate, kQuiet).size();

@@ -47,8 +47,8 @@ std::uint16_t FreePort() {
   address.sin_family = AF_INET;
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   socklen_t size = sizeof address;
-  ::bind(listener, reinterpret_cast<const sockaddr*>(&address), size);
-  ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+  EXPECT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), size), 0);
+  EXPECT_EQ(::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size), 0);
   ::close(listener);
   return ntohs(address.sin_port);
 }

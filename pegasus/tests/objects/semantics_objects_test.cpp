@@ -315,7 +315,7 @@ const std::map<std::string, Case>& PropertyCases() {
        }},
       {"CIMProperty setName while in instance", Throwing([] {
          CIMProperty property = PropertyOf("P", CIMValue(1));
-         const CIMInstance instance = InstanceWith(property);
+         CIMInstance instance = InstanceWith(property);
          property.setName(CIMName("Q"));
          return instance;
        })},

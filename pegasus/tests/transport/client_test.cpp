@@ -191,7 +191,7 @@ TEST(Tls, UnreadableCertificateFileIsRefusedAtConstruction) {
 
 TEST(Tls, ContextTellsWhatItWasGiven) {
   const SSLContext context("/trust", nullptr);
-  const SSLContext copy(context);
+  const SSLContext copy(context);  // NOLINT(performance-unnecessary-copy-initialization): the copy is what is tested
   EXPECT_EQ(test::Utf8(copy.getTrustStore()), "/trust");
   EXPECT_TRUE(copy.isPeerVerificationEnabled());
   EXPECT_EQ(copy.getSSLCertificateVerifyFunction(), nullptr);

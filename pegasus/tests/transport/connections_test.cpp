@@ -215,7 +215,7 @@ class Player {
     if (what == "sleep") std::this_thread::sleep_for(std::chrono::milliseconds(std::stoul(words.at(1))));
     if (what == "timeout") {
       client.setTimeout(static_cast<Uint32>(std::stoul(words.at(1))));
-      const json result = {{"timeout", client.getTimeout()}};
+      json result = {{"timeout", client.getTimeout()}};
       client.setTimeout(client.getTimeout() / kTimeDivisor);
       return result;
     }
