@@ -63,6 +63,7 @@ std::vector<std::string> ChildEnvironment(const std::map<std::string, std::strin
 
 std::vector<char*> Pointers(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (std::string& text : texts) pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;
@@ -210,7 +211,7 @@ Folder::~Folder() {
 }
 
 std::string Folder::Write(const std::string& name, const std::string& text, mode_t mode) const {
-  const std::string path = Path(name);
+  std::string path = Path(name);
   std::ofstream(path, std::ios::binary) << text;
   if (chmod(path.c_str(), mode) != 0) throw std::system_error(errno, std::generic_category(), "chmod");
   return path;

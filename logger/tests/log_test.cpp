@@ -131,8 +131,10 @@ TEST(Log, NorDoesOneThatThrowsWhatIsNoException) {
 TEST(Log, SinkGetsEveryRecordOfEightThreads) {
   const testing::ScopedLog log;
 
+  constexpr int kThreads = 8;
   std::vector<std::thread> threads;
-  for (int thread = 0; thread < 8; ++thread) {
+  threads.reserve(kThreads);
+  for (int thread = 0; thread < kThreads; ++thread) {
     threads.emplace_back([thread] {
       for (int line = 0; line < 100; ++line) Log(1, "f", line).Stream() << thread << ':' << line;
     });

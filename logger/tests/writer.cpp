@@ -19,6 +19,7 @@ int main(int argc, char** argv) {
   const std::string filler(static_cast<std::size_t>(std::atoi(argv[4])), 'x');
 
   std::vector<std::thread> writers;
+  writers.reserve(static_cast<std::size_t>(threads));
   for (int thread = 0; thread < threads; ++thread) {
     writers.emplace_back([&, thread] {
       for (int line = 0; line < lines; ++line) {

@@ -72,7 +72,7 @@ void Collect(const Json& reference, const std::string& pointer, Json document, s
   if (rule.value("type", Json()) == "array") Collect(rule.at("items"), pointer + "/0", document, places);
   if (!rule.contains("properties") || !IsObject(rule)) return;
   for (const auto& [name, member] : rule.at("properties").items()) {
-    Collect(member, std::string(pointer).append("/").append(name), document, places);
+    Collect(member, pointer + "/" + name, document, places);
   }
 }
 
@@ -141,7 +141,7 @@ void Validate(const Json& value, const Json& reference, const std::string& point
   const Json properties = rule.value("properties", Json::object());
   for (const auto& [name, member] : value.items()) {
     if (properties.contains(name)) {
-      Validate(member, properties.at(name), std::string(pointer).append("/").append(name), faults);
+      Validate(member, properties.at(name), pointer + "/" + name, faults);
     } else if (IsClosedObject(rule)) {
       fault("unknown member " + name);
     }

@@ -125,7 +125,7 @@ TEST(Exceptions, OfAMalformedNameMayCarryAReason) {
 
 TEST(Exceptions, OfHttpErrorsAreCopiedWhole) {
   const CIMClientHTTPErrorException original(404, "Not Found", "error", "detail");
-  CIMClientHTTPErrorException copy(original);
+  CIMClientHTTPErrorException copy(original);  // NOLINT(performance-unnecessary-copy-initialization): tested here
   CIMClientHTTPErrorException assigned(500);
   EXPECT_EQ(Utf8(assigned.getMessage()), "HTTP Error (500).");
   assigned = copy;

@@ -181,7 +181,7 @@ TEST(Value, DoesNotWiden) {
 TEST(ValueAccess, TakesContentOverWithoutCopies) {
   CIMInstance instance(CIMName("CIM_Foo"));
   const CIMValue value = objects::Access::MakeInstanceValue(std::move(instance));
-  EXPECT_TRUE(instance.isUninitialized());
+  EXPECT_TRUE(instance.isUninitialized());  // NOLINT(bugprone-use-after-move): the emptiness is the promise
   EXPECT_EQ(value.getType(), CIMTYPE_INSTANCE);
   const auto* const held = objects::Access::Peek<CIMInstance>(value);
   ASSERT_NE(held, nullptr);

@@ -169,7 +169,7 @@ class PEGASUS_COMMON_LINKAGE Array {
   }
   void append(const T* items, Uint32 n) { Insert(size(), items, n); }
   void appendArray(const Array& other) {
-    const Array items(other);
+    const Array items(other);  // NOLINT(performance-unnecessary-copy-initialization): other may be this array
     Insert(size(), items.getData(), items.size());
   }
   void prepend(const T& x) { Insert(0, &x, 1); }
