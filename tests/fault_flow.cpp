@@ -105,6 +105,11 @@ SwitchPassThruUpdate PassThruOf(const Access& access) {
 
 int UpdateSwitch(const Access& access) { return SwitchOf(access).UpdateFirmware(); }
 int ReseatSwitch(const Access& access) { return SwitchOf(access).Reseat(kSwitchBay); }
+int ReseatAndVerifySwitch(const Access& access) {
+  SwitchIOModuleUpdate update = SwitchOf(access);
+  update.Reseat(kSwitchBay);
+  return update.CheckIfRebootSuccess(kSwitchBay);
+}
 int VerifySwitch(const Access& access) { return SwitchOf(access).CheckIfRebootSuccess(kSwitchBay); }
 int UpdatePassThru(const Access& access) { return PassThruOf(access).StartUpdate(); }
 int ReseatPassThru(const Access& access) { return PassThruOf(access).Reseat(kPassThruBay); }

@@ -66,14 +66,15 @@ int ReadSwitches(const Access& access);  ///< CMMInventory::GetIOModuleData()
 int AskIsCmm(const Access& access);      ///< CMMInventory::IsCMM(), 1 for true
 int UpdateCmm(const Access& access);     ///< CMMUpdate::Apply() without a reboot
 int UpdateAndRebootCmm(const Access& access);
-int RebootCmm(const Access& access);       ///< CMMReboot(), kThrew when it throws
-int UpdateSwitch(const Access& access);    ///< SwitchIOModuleUpdate::UpdateFirmware() of bay 1
-int ReseatSwitch(const Access& access);    ///< SwitchIOModuleUpdate::Reseat() of bay 1
-int VerifySwitch(const Access& access);    ///< SwitchIOModuleUpdate::CheckIfRebootSuccess() of bay 1
-int UpdatePassThru(const Access& access);  ///< SwitchPassThruUpdate::StartUpdate() of bay 4
-int ReseatPassThru(const Access& access);  ///< SwitchPassThruUpdate::Reseat() of bay 4
-int VerifyPassThru(const Access& access);  ///< SwitchPassThruUpdate::CheckIfRebootSuccess() of bay 4
-int ReseatBlade(const Access& access);     ///< Cmm_Blade_Reseat::ReseatBlade() of bay 10
+int RebootCmm(const Access& access);              ///< CMMReboot(), kThrew when it throws
+int UpdateSwitch(const Access& access);           ///< SwitchIOModuleUpdate::UpdateFirmware() of bay 1
+int ReseatSwitch(const Access& access);           ///< SwitchIOModuleUpdate::Reseat() of bay 1
+int ReseatAndVerifySwitch(const Access& access);  ///< both on bay 1; the code of the second
+int VerifySwitch(const Access& access);           ///< SwitchIOModuleUpdate::CheckIfRebootSuccess() of bay 1
+int UpdatePassThru(const Access& access);         ///< SwitchPassThruUpdate::StartUpdate() of bay 4
+int ReseatPassThru(const Access& access);         ///< SwitchPassThruUpdate::Reseat() of bay 4
+int VerifyPassThru(const Access& access);         ///< SwitchPassThruUpdate::CheckIfRebootSuccess() of bay 4
+int ReseatBlade(const Access& access);            ///< Cmm_Blade_Reseat::ReseatBlade() of bay 10
 
 /// Stands for an exception that the library lets out.
 constexpr int kThrew = -1000;

@@ -114,6 +114,14 @@ constexpr Flow kHttpStatus[] = {
     {"UserLockedOutDuringAPassThruUpdate",
      R"({"request":{},"when":{"during":"jobRunning","afterSeconds":60},"effect":{"kind":"httpStatus","status":401}})",
      UpdatePassThru, 212, 1, "unknown error happened when invokeMethod HTTP Error (401 Unauthorized).", seconds(70)},
+    // The update needs no more than connections then.
+    {"CmmNotReadyAfterItsReboot",
+     R"({"request":{},"when":{"after":"cmmRebooting"},"effect":{"kind":"httpStatus","status":503}})",
+     UpdateAndRebootCmm, 0, 3, "Connect successfully after rebooting CMM.", seconds(97 + 2 + 6 + 4 * 50 + 50)},
+    {"CmmNotReadyWhileASwitchRestarts",
+     R"({"request":{"operation":"EnumerateInstances"},"when":{"during":"moduleRestarting"},
+         "effect":{"kind":"httpStatus","status":503}})",
+     ReseatAndVerifySwitch, 6, 1, "Pegasus Exception: HTTP Error (503 Service Unavailable).", seconds(10)},
     {"NodeOfABladeReseat", R"({"request":{},"effect":{"kind":"httpStatus","status":404}})", ReseatBlade, 9, 3,
      "Don't find targetinstance for blade.", seconds(0)},
 };
