@@ -109,15 +109,12 @@ class ManualClock::Impl {
  public:
   void Advance(milliseconds duration) {
     const std::lock_guard<std::mutex> turn(turn_);
-    const milliseconds end = Now() + std::max(duration, milliseconds::zero());
-    while (true) {
-      WaitForWork();
-      const std::optional<milliseconds> due = queue_.FirstDue();
-      if (!due || *due > end) break;
-      MoveTo(*due);
-      queue_.RunFirst(*due);
-    }
-    MoveTo(end);
+    Pass(Now() + std::max(duration, milliseconds::zero()));
+  }
+
+  void PassUntil(milliseconds instant) {
+    const std::lock_guard<std::mutex> turn(turn_);
+    Pass(instant);
   }
 
   milliseconds Now() const {
@@ -141,6 +138,17 @@ class ManualClock::Impl {
   }
 
  private:
+  void Pass(milliseconds end) {
+    while (true) {
+      WaitForWork();
+      const std::optional<milliseconds> due = queue_.FirstDue();
+      if (!due || *due > end) break;
+      MoveTo(*due);
+      queue_.RunFirst(*due);
+    }
+    MoveTo(end);
+  }
+
   void WaitForWork() {
     std::unique_lock<std::mutex> lock(mutex_);
     workEnded_.wait(lock, [this] { return works_ == 0; });
@@ -170,5 +178,6 @@ Clock::TimerId ManualClock::RunAt(milliseconds due, Action action) {
 void ManualClock::Cancel(TimerId timer) { impl_->Queue().Cancel(timer); }
 void ManualClock::BeginWork() { impl_->BeginWork(); }
 void ManualClock::EndWork() { impl_->EndWork(); }
+void ManualClock::PassUntil(milliseconds instant) { impl_->PassUntil(instant); }
 
 }  // namespace Orvane::simulator

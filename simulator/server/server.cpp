@@ -5,6 +5,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/strand.hpp>
+#include <boost/asio/thread_pool.hpp>
 #include <future>
 #include <limits>
 #include <system_error>
@@ -154,6 +155,7 @@ class Simulator::Impl : public Network {
     life_->Register(service_.operations);
     chassisFaults_.emplace(store_, *clock_, *life_);
     injector_.emplace(options.faults, *chassisFaults_, service_.operations);
+    if (!options.faults.Faults().empty()) waiting_.emplace(1);
     const asio::ip::address address = ParseAddress(options.address);
     if (options.httpPort >= 0) {
       http_.emplace(context_, strand_, address, options.httpPort, [this](Tcp::socket socket) {
@@ -180,6 +182,10 @@ class Simulator::Impl : public Network {
     for (std::thread& thread : threads_) thread.join();
     // After the threads that call it, before the network that it calls.
     life_.reset();
+    if (waiting_) {
+      waiting_->stop();
+      waiting_->join();
+    }
   }
 
   Impl(const Impl&) = delete;
@@ -224,9 +230,11 @@ class Simulator::Impl : public Network {
   }
 
   void Later(std::chrono::milliseconds delay, std::shared_ptr<Connection> connection, Service::Action action) {
-    timers_.RunAfter(delay, [connection = std::move(connection), action = std::move(action)] {
+    const std::chrono::milliseconds due = clock_->Now() + delay;
+    timers_.RunAt(due, [connection = std::move(connection), action = std::move(action)] {
       asio::post(connection->Executor(), action);
     });
+    asio::post(*waiting_, [clock = clock_, due] { clock->PassUntil(due); });
   }
 
   // Nothing waits here: it is called on a thread that serves requests.
@@ -289,6 +297,8 @@ class Simulator::Impl : public Network {
   std::optional<Listener> http_;
   std::optional<Listener> https_;
   Timers timers_{*clock_};
+  // For clients whose answer is late: the clock that they wait on may run whatever the chassis does meanwhile.
+  std::optional<asio::thread_pool> waiting_;
   std::vector<std::thread> threads_;
 };
 

@@ -108,6 +108,18 @@ TEST(ManualClock, StandsStillWhileWorkGoesOn) {
   EXPECT_EQ(clock.Now(), milliseconds(10));
 }
 
+TEST(ManualClock, MovesToAnInstantThatSomebodyWaitsForAndNeverBack) {
+  ManualClock clock;
+  milliseconds ran{0};
+  clock.RunAt(milliseconds(30), [&] { ran = clock.Now(); });
+
+  clock.PassUntil(milliseconds(50));
+  clock.PassUntil(milliseconds(20));
+
+  EXPECT_EQ(ran, milliseconds(30));
+  EXPECT_EQ(clock.Now(), milliseconds(50));
+}
+
 TEST(ManualClock, AddsUpTheMovesOfSeveralThreads) {
   ManualClock clock;
   constexpr int kThreads = 4;

@@ -35,6 +35,10 @@ class Clock {
   virtual void BeginWork() = 0;
   virtual void EndWork() = 0;
 
+  /// Somebody waits for the chassis until an instant and moves nothing meanwhile: a clock that is moved by hand moves
+  /// there, as with Advance and with its restrictions, others pay no heed.
+  virtual void PassUntil(std::chrono::milliseconds instant) = 0;
+
  protected:
   Clock() = default;
 };
@@ -52,6 +56,7 @@ class ScaledClock : public Clock {
   void Cancel(TimerId timer) override;
   void BeginWork() override {}
   void EndWork() override {}
+  void PassUntil(std::chrono::milliseconds /*instant*/) override {}
 
  private:
   class Impl;
@@ -75,6 +80,7 @@ class ManualClock : public Clock {
   void Cancel(TimerId timer) override;
   void BeginWork() override;
   void EndWork() override;
+  void PassUntil(std::chrono::milliseconds instant) override;
 
  private:
   class Impl;
