@@ -98,6 +98,71 @@ TEST(Inventory, JsonHoldsTheWholeChassis) {
   EXPECT_EQ(document["data"]["equipment"]["node"], json(BaysOf("nodes")));
 }
 
+// A chassis where some requests fail.
+Result Faulty(const std::string& faults, Words command) {
+  const Folder folder;
+  const std::string file = folder.Write("faults.json", R"({"formatVersion": 1, "faults": [)" + faults + "]}", 0644);
+  command.insert(command.begin(), {"--faults", file});
+  return Simulated(command);
+}
+
+constexpr const char* kUnreadableSwitches =
+    R"({"request": {"operation": "Associators", "class": "VORTA_IOModuleComputerSystem"},
+        "effect": {"kind": "cimError", "code": 1}})";
+
+TEST(PartialInventory, NamesTheBaysOfModulesThatCouldNotBeRead) {
+  const Result result = Faulty(kUnreadableSwitches, {"inventory"});
+
+  EXPECT_EQ(result.status, 0);
+  std::string warnings;
+  for (const int bay : BaysOf("switches")) {
+    warnings += "orvane: warning: the module in bay " + std::to_string(bay) +
+                " is there, but its details could not be read (--log-level 1 shows why)\n";
+    EXPECT_THAT(result.output, HasSubstr("\n" + std::to_string(bay) + "    I/O module    -"));
+  }
+  EXPECT_EQ(result.errors, warnings);
+  EXPECT_THAT(result.output, HasSubstr(BuiltInModel()["passThrus"][0]["package"]["serialNumber"].get<std::string>()));
+}
+
+TEST(PartialInventory, SaysThatTheCmmsCouldNotBeRead) {
+  const Result result = Faulty(R"({"request": {"operation": "Associators", "class": "VORTA_CMMComputerSystem"},
+                                   "effect": {"kind": "cimError", "code": 1}})",
+                               {"inventory"});
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.errors, HasSubstr("orvane: warning: reading the CMMs failed with code 3"));
+  EXPECT_THAT(result.output, Not(HasSubstr("standby")));
+  EXPECT_THAT(result.output, HasSubstr(BuiltInModel()["switches"][0]["package"]["serialNumber"].get<std::string>()));
+}
+
+TEST(PartialInventory, SaysThatAChassisIsNotDescribed) {
+  const Result result = Faulty(R"({"request": {"operation": "EnumerateInstances", "class": "CIM_Chassis"},
+                                   "effect": {"kind": "cimError", "code": 1}})",
+                               {"inventory"});
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.errors, HasSubstr("orvane: warning: reading the chassis failed"));
+  EXPECT_THAT(result.output, HasSubstr("Chassis  -\n"));
+}
+
+TEST(PartialInventory, OfTheSwitchListWarnsOfTheOnesLeftOut) {
+  const Result result = Faulty(R"({"request": {"operation": "Associators", "class": "VORTA_IOModuleComputerSystem",
+                             "occurrence": {"from": 1, "to": 3}},
+                 "effect": {"kind": "cimError", "code": 1}})",
+                               {"switch", "list"});
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.errors,
+            "orvane: warning: a switch is left out: its details could not be read (--log-level 1 shows why)\n");
+}
+
+TEST(PartialInventory, OfOneSwitchSaysWhyItIsNotThere) {
+  const Result result = Faulty(kUnreadableSwitches, {"switch", "list", "--bay", "1"});
+
+  EXPECT_EQ(result.status, 4);
+  EXPECT_THAT(result.errors, HasSubstr("the details of a switch could not be read"));
+}
+
 TEST(Inventory, TwoRunsPrintTheSame) { EXPECT_EQ(Simulated({"inventory"}).output, Simulated({"inventory"}).output); }
 
 TEST(Chassis, ShowsTheFields) {

@@ -68,7 +68,8 @@ std::vector<Shown> SessionsIn(const std::string& document) {
 
 // What differs from run to run and from machine to machine.
 std::string Comparable(std::string text, const std::string& folder) {
-  for (std::size_t at = 0; (at = text.find(folder, at)) != std::string::npos;) text.replace(at, folder.size(), "FOLDER");
+  for (std::size_t at = 0; (at = text.find(folder, at)) != std::string::npos;)
+    text.replace(at, folder.size(), "FOLDER");
   text = std::regex_replace(text, std::regex("\"time\":\"[^\"]*Z\""), "TIME");
   text = std::regex_replace(text, std::regex("\"port\":[0-9]+"), "PORT");
   return std::regex_replace(text, std::regex("127\\.0\\.0\\.1:[0-9]+"), "HOST:PORT");

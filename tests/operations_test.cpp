@@ -252,6 +252,31 @@ TEST(CmmUpdate, ReportsTheVersionsBeforeAndAfter) {
   EXPECT_THAT(document["data"]["jobs"], ElementsAre("JOB_1"));
 }
 
+TEST(CmmUpdate, SaysPlainlyWhenTheVersionsAreAsBefore) {
+  // A chassis whose two images are of one version, and that version once more.
+  json model = json::parse(ReadFile(ORVANE_SOURCE_DIR "/simulator/model/built_in_model.json"));
+  json& images = model["cmms"][0]["firmware"];
+  for (const char* part : {"versionString", "majorVersion", "minorVersion", "revisionNumber", "buildNumber"}) {
+    images[1][part] = images[0][part];
+  }
+  json package = json::parse(ReadFile(ORVANE_SOURCE_DIR "/docs/examples/packages/cmm.json"));
+  package.update({{"version", images[0]["versionString"]},
+                  {"major", images[0]["majorVersion"]},
+                  {"minor", images[0]["minorVersion"]},
+                  {"revision", images[0]["revisionNumber"]},
+                  {"build", images[0]["buildNumber"]}});
+  const Folder folder;
+  const std::string modelFile = folder.Write("model.json", model.dump(), 0644);
+  const std::string packageFile = folder.Write("package.json", package.dump(), 0644);
+
+  const Result result =
+      RunOrvane({{"--simulate=" + modelFile, "cmm", "update", "--yes", "--package", "file://" + packageFile}, {}, ""});
+
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_THAT(result.output,
+              AllOf(HasSubstr("the versions are as before"), HasSubstr("active    CMFW14C-2.5.1 (12), unchanged")));
+}
+
 TEST(CmmUpdate, ShowsOnlyTheResultOnStandardOutput) {
   const Result result = Simulated({"cmm", "update", "--yes", "--package", Package("cmm")});
 

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 #include "cli/cause.h"
@@ -144,7 +145,7 @@ Outcome OperationRun::Execute(const Context& context, const Subject& subject) {
                     "the journal " + Neutralise(journal_->Path()) + " cannot be written; nothing was changed");
     }
   }
-  const Ending ending = Judge(context, Call(context));
+  const Ending ending = Judge(context, CallAndRecordErrors(context));
 
   Outcome outcome;
   outcome.status = ending.status;
@@ -184,6 +185,25 @@ Outcome OperationRun::Execute(const Context& context, const Subject& subject) {
   if (!ending.advice.empty()) fields.emplace_back("next", ending.advice);
   outcome.text = ending.status == ExitStatus::kDone ? FieldList(fields) : std::string();
   return outcome;
+}
+
+// The library tells failures by codes. Whatever else comes out of it must not leave the journal without an end.
+int OperationRun::CallAndRecordErrors(const Context& context) {
+  std::string error = "unknown error";
+  try {
+    return Call(context);
+  } catch (const std::exception& thrown) {
+    error = Neutralise(MaskCredentials(thrown.what()));
+  } catch (...) {
+    error = "an error of the CIM client";
+  }
+  const std::string sentence = std::string(operation_.name) + ": an internal error ended it (" + error + ")";
+  Record(context, "finished",
+         {{"jobs", JobsJson()},
+          {"code", kNoLibraryCode},
+          {"message", sentence},
+          {"exit_status", ToInt(ExitStatus::kFailed)}});
+  throw Failure(ExitStatus::kFailed, kNoLibraryCode, sentence);
 }
 
 int OperationRun::Call(const Context& context) {
@@ -290,7 +310,7 @@ std::string OperationRun::InterruptedSentence(const Context& context) const {
 // Runs on a thread of its own, beside the operation.
 void OperationRun::Interrupted(const Context& context) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (progress_) progress_->Clear();
+  if (progress_) progress_->Silence();
   const std::string sentence = InterruptedSentence(context);
   if (progress_) {
     Record(context, "interrupted",

@@ -39,6 +39,7 @@ class OperationRun {
   Outcome Check(const Context& context, const Subject& subject) const;
   void Confirm(const Context& context, const Subject& subject) const;
   Outcome Execute(const Context& context, const Subject& subject);
+  int CallAndRecordErrors(const Context& context);
   int Call(const Context& context);
   Ending Judge(const Context& context, int code) const;
   std::optional<Subject> ReadAgain(const Context& context, Outcome& outcome) const;

@@ -47,6 +47,12 @@ void Progress::Clear() {
   reporter_.Clear();
 }
 
+void Progress::Silence() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  reporter_.Clear();
+  silent_ = true;
+}
+
 Progress::Snapshot Progress::Current() const {
   const std::lock_guard<std::mutex> lock(mutex_);
   return {stage_, state_.jobs, now_() - begin_};
@@ -81,6 +87,7 @@ void Progress::Enter(const Step& step, const std::string& job) {
 }
 
 void Progress::Report(EventKind kind, const std::string& text, std::chrono::milliseconds pause) {
+  if (silent_) return;
   if (state_.step.empty() && kind != EventKind::kMessage) return;
   const std::chrono::milliseconds now = now_();
   state_.elapsed = now - begin_;

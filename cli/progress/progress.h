@@ -44,6 +44,9 @@ class Progress : public LogMessageCallBack {
   /// Takes the live line away, before somebody else writes to standard error.
   void Clear();
 
+  /// Shows nothing any more: somebody else has the last word on standard error.
+  void Silence();
+
   struct Snapshot {
     Stage stage;
     std::vector<std::string> jobs;
@@ -65,6 +68,7 @@ class Progress : public LogMessageCallBack {
   std::chrono::milliseconds stepBegin_{0};
   ProgressState state_;
   Stage stage_ = Stage::kPreparing;
+  bool silent_ = false;
 };
 
 }  // namespace Orvane::cli

@@ -141,6 +141,16 @@ TEST_F(ProgressTest, ALiveLineGoesAwayBeforeAnythingElseIsWritten) {
   EXPECT_THAT(shown, HasSubstr("at most 30 s for the …\r\x1B[K\r\x1B[K"));
 }
 
+TEST_F(ProgressTest, SilencedShowsNothingMoreButGoesOnFollowing) {
+  const std::string shown = Shown(ProgressMode::kPlain, [](Progress& progress) {
+    progress.Silence();
+    Install(progress);
+    EXPECT_EQ(progress.Current().stage, Stage::kJobRunning);
+  });
+
+  EXPECT_EQ(shown, "");
+}
+
 TEST_F(ProgressTest, TheCmmsJobHasABoundAndOthersHaveNone) {
   const std::string shown =
       Shown(ProgressMode::kPlain, [](Progress& progress) { progress.OnRecord(Line(kJobReference, "cmm_update_imp")); });
