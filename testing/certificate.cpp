@@ -2,6 +2,7 @@
 #include "testing/certificate.h"
 
 #include <openssl/bio.h>
+#include <openssl/bn.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509.h>
@@ -24,6 +25,7 @@ struct Deleter {
 };
 using Bio = std::unique_ptr<BIO, Deleter<BIO_free_all>>;
 using Key = std::unique_ptr<EVP_PKEY, Deleter<EVP_PKEY_free>>;
+using Number = std::unique_ptr<BIGNUM, Deleter<BN_free>>;
 using X509Ptr = std::unique_ptr<X509, Deleter<X509_free>>;
 
 void Check(bool good, const char* what) {
@@ -44,7 +46,10 @@ Certificate MakeSelfSignedCertificate(const CertificateOptions& options) {
   const X509Ptr certificate(X509_new());
   Check(certificate != nullptr, "X509_new");
   Check(X509_set_version(certificate.get(), X509_VERSION_3) == 1, "version");
-  Check(ASN1_INTEGER_set(X509_get_serialNumber(certificate.get()), 4660) == 1, "serial number");
+  BIGNUM* number = nullptr;
+  Check(BN_hex2bn(&number, options.serialHex.c_str()) > 0, "serial number");
+  const Number serial(number);
+  Check(BN_to_ASN1_INTEGER(serial.get(), X509_get_serialNumber(certificate.get())) != nullptr, "serial number");
   Check(X509_gmtime_adj(X509_getm_notBefore(certificate.get()), options.notBeforeDays * kSecondsPerDay) != nullptr,
         "notBefore");
   Check(X509_gmtime_adj(X509_getm_notAfter(certificate.get()), options.notAfterDays * kSecondsPerDay) != nullptr,

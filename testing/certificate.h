@@ -12,8 +12,9 @@ struct Certificate {
 
 struct CertificateOptions {
   std::string commonName = "localhost";
-  int notBeforeDays = -1;  ///< start of validity, days from now
-  int notAfterDays = 365;  ///< end of validity, days from now
+  std::string serialHex = "1234";  ///< serial number, hexadecimal
+  int notBeforeDays = -1;          ///< start of validity, days from now
+  int notAfterDays = 365;          ///< end of validity, days from now
 };
 
 /// A self-signed X.509 v3 certificate with a fresh EC P-256 key.

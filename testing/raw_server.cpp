@@ -192,6 +192,13 @@ class RawServer::Peer {
     return SSL_write(ssl_.get(), bytes.data(), static_cast<int>(bytes.size())) > 0 && Flush();
   }
 
+  bool WriteTicket() {
+    ERR_clear_error();
+    return SSL_new_session_ticket(ssl_.get()) == 1 && SSL_do_handshake(ssl_.get()) == 1 && Flush();
+  }
+
+  void HalfClose() const { ::shutdown(socket_, SHUT_WR); }
+
   void SayGoodbye() {
     if (!ssl_) return;
     SSL_shutdown(ssl_.get());
@@ -371,6 +378,17 @@ bool RawServer::PlayOne(Peer& peer, const RawAction& action, const std::string& 
   switch (action.kind) {
     case RawAction::Kind::kSend:
       return peer.Write(WithMessageId(action.bytes, messageId));
+    case RawAction::Kind::kFlood:
+      while (peer.Write(action.bytes)) {
+      }
+      return false;
+    case RawAction::Kind::kTickets:
+      while (peer.WriteTicket()) {
+      }
+      return false;
+    case RawAction::Kind::kHalfClose:
+      peer.HalfClose();
+      return true;
     case RawAction::Kind::kCloseTls:
       peer.SayGoodbye();
       return false;

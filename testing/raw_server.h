@@ -23,6 +23,9 @@ struct RawAction {
     kSend,        ///< sends `bytes`, `@ID@` replaced by the MESSAGE ID of the request
     kClose,       ///< closes the connection, without a TLS goodbye
     kCloseTls,    ///< closes the connection, saying goodbye first when it is a TLS connection
+    kFlood,       ///< sends `bytes` over and over until the client closes or the server is stopped
+    kTickets,     ///< sends TLS 1.3 session tickets in the same manner
+    kHalfClose,   ///< ends what the server sends, but goes on receiving
     kReset,       ///< closes the connection with a TCP reset
     kSleep,       ///< waits for `wait`, or until the server is stopped
     kStopListen,  ///< refuses connections from now on
@@ -34,6 +37,9 @@ struct RawAction {
   std::chrono::milliseconds wait{0};
 
   static RawAction Send(std::string bytes) { return {Kind::kSend, std::move(bytes), {}}; }
+  static RawAction Flood(std::string bytes) { return {Kind::kFlood, std::move(bytes), {}}; }
+  static RawAction Tickets() { return {Kind::kTickets, {}, {}}; }
+  static RawAction HalfClose() { return {Kind::kHalfClose, {}, {}}; }
   static RawAction Close() { return {Kind::kClose, {}, {}}; }
   static RawAction CloseTls() { return {Kind::kCloseTls, {}, {}}; }
   static RawAction Reset() { return {Kind::kReset, {}, {}}; }

@@ -1,6 +1,7 @@
 // The description of a certificate that a verification callback is handed, and how it is made from an X.509 object.
 #include "transport/certificate_info.h"
 
+#include <Pegasus/Common/Exception.h>
 #include <openssl/asn1.h>
 #include <openssl/x509_vfy.h>
 
@@ -64,12 +65,17 @@ String NameText(const X509_NAME* name) {
   return HeaderText(text.data());
 }
 
+/// The zero interval for a time that is none, or that a date-time cannot hold.
 CIMDateTime TimeStamp(const ASN1_TIME* time) {
   std::tm parts{};
   if (ASN1_TIME_to_tm(time, &parts) != 1) return CIMDateTime();
   std::array<char, 32> text{};
   if (std::strftime(text.data(), text.size(), "%Y%m%d%H%M%S.000000+000", &parts) == 0) return CIMDateTime();
-  return CIMDateTime(String(text.data()));
+  try {
+    return CIMDateTime(String(text.data()));
+  } catch (const Exception&) {
+    return CIMDateTime();
+  }
 }
 
 }  // namespace

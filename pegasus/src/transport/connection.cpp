@@ -17,9 +17,11 @@ namespace Pegasus::transport {
 void Connection::Connect(Target target, const String& userName, const String& password, std::uint32_t timeout) {
   if (stream_) throw AlreadyConnectedException();
   Disconnect();
+  Authentication authentication;
+  authentication.SetCredentials(userName, password);
   stream_ = OpenStream(target.endpoint, target.tls ? &*target.tls : nullptr, timeout);
   target_.emplace(std::move(target));
-  authentication_.SetCredentials(userName, password);
+  authentication_ = std::move(authentication);
 }
 
 void Connection::Disconnect() {
@@ -103,14 +105,17 @@ HttpResponse Connection::ReadResponse(Deadline deadline) {
     }
     if (reader.Take({buffer.data(), count})) return reader.Result();
     // A server that never stops sending must not get round the time-out.
-    if (Deadline::Clock::now() < errorBody.value_or(deadline).Time()) continue;
+    if (!errorBody.value_or(deadline).HasPassed()) continue;
     if (errorBody) return reader.Abandon();
     FailByTimeout();
   }
 }
 
 bool Connection::AnswerChallenge(const HttpResponse& response) {
-  const std::string* challenge = response.headComplete ? response.headers.Find("WWW-Authenticate") : nullptr;
+  // With any other status the server may have carried the operation out, which must not happen twice.
+  constexpr std::uint32_t kUnauthorized = 401;
+  if (!response.headComplete || response.status != kUnauthorized) return false;
+  const std::string* challenge = response.headers.Find("WWW-Authenticate");
   if (challenge == nullptr) return false;
   cookie_.clear();
   return authentication_.OnChallenge(*challenge);
@@ -120,7 +125,9 @@ void Connection::KeepCookie(const HttpResponse& response) {
   const std::string* cookie = response.headers.Find("Set-Cookie");
   if (cookie == nullptr) return;
   const std::string_view text = *cookie;
-  cookie_ = std::string(Trim(text.substr(0, text.find(';'))));
+  const std::string_view value = Trim(text.substr(0, text.find(';')));
+  // It comes back to the server inside a header line, where a control character would be a forged one.
+  if (!HasControlCharacter(value)) cookie_ = std::string(value);
 }
 
 }  // namespace Pegasus::transport

@@ -16,6 +16,7 @@ class Deadline {
   static Deadline After(std::uint32_t milliseconds) { return After(std::chrono::milliseconds(milliseconds)); }
 
   Clock::time_point Time() const { return time_; }
+  bool HasPassed() const { return Clock::now() >= time_; }
   /// This deadline, or `other` when that comes first.
   Deadline Earlier(Deadline other) const { return Deadline(std::min(time_, other.time_)); }
 

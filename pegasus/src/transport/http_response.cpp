@@ -69,6 +69,17 @@ std::size_t Headers::CountOf(std::string_view name) const {
 
 bool ResponseReader::Take(std::string_view bytes) {
   started_ = started_ || !bytes.empty();
+  try {
+    TakeParts(bytes);
+  } catch (const Exception&) {
+    if (!OnlyErrorBodyMissing()) throw;
+    response_.closesConnection = true;
+    state_ = State::kDone;
+  }
+  return state_ == State::kDone;
+}
+
+void ResponseReader::TakeParts(std::string_view bytes) {
   while (!bytes.empty() && state_ != State::kDone) {
     switch (state_) {
       case State::kHead:
@@ -89,7 +100,6 @@ bool ResponseReader::Take(std::string_view bytes) {
         break;
     }
   }
-  return state_ == State::kDone;
 }
 
 void ResponseReader::End() {
@@ -159,8 +169,11 @@ void ResponseReader::OnHeadLine(std::string_view line) {
   if (!haveStatusLine_) {
     haveStatusLine_ = true;
     ParseStatusLine(line);
-    // An empty first line is the whole head: there is nothing to find behind it.
-    if (line.empty()) state_ = State::kDone;
+    if (line.empty()) {
+      // An empty first line is the whole head; what comes behind it belongs to no response.
+      response_.closesConnection = true;
+      state_ = State::kDone;
+    }
   } else if (line.empty()) {
     OnHeadEnd();
   } else {
@@ -262,11 +275,11 @@ void ResponseReader::AppendBody(std::string_view bytes) {
   }
   if (needed > body.capacity()) {
     // Grows with the bytes that came; what is promised only keeps the last step from reaching beyond it.
-    std::uint64_t capacity = std::max<std::uint64_t>(needed, std::uint64_t{body.capacity()} * 2);
-    if (state_ == State::kCounted) {
-      capacity = std::max<std::uint64_t>(needed, std::min<std::uint64_t>(capacity, body.size() + missing_));
+    std::size_t capacity = std::max(needed, std::min(body.capacity() * 2, limits::kBodyBytes));
+    if (state_ == State::kCounted && missing_ < capacity - body.size()) {
+      capacity = body.size() + static_cast<std::size_t>(missing_);
     }
-    body.reserve(static_cast<std::size_t>(capacity));
+    body.reserve(capacity);
   }
   body.append(bytes);
 }

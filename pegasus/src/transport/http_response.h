@@ -52,7 +52,8 @@ struct HttpResponse {
 class ResponseReader {
  public:
   /// Takes the next bytes; those behind the end of the response are dropped.
-  /// @return true when the response is complete
+  /// @return true when the response is complete; a fault behind the head of an error response completes it, as its
+  ///         status is known by then
   /// @throws CIMClientHTTPErrorException for lengths and encodings that cannot be followed,
   ///         CIMClientMalformedHTTPException when a limit is passed or a header line is none
   bool Take(std::string_view bytes);
@@ -74,6 +75,7 @@ class ResponseReader {
 
   static constexpr std::uint32_t kFirstErrorStatus = 300;
 
+  void TakeParts(std::string_view bytes);
   void TakeLines(std::string_view& bytes);
   void TakeCounted(std::string_view& bytes);
   void OnLine(std::string_view line);

@@ -56,6 +56,14 @@ bool EqualIgnoringCase(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return Lower(x) == Lower(y); });
 }
 
+bool HasControlCharacter(std::string_view text) {
+  return std::any_of(text.begin(), text.end(), [](char c) {
+    constexpr unsigned char kDelete = 0x7F;
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < static_cast<unsigned char>(' ') || byte == kDelete;
+  });
+}
+
 std::string_view Trim(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \t");
   if (first == std::string_view::npos) return {};

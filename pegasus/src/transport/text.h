@@ -20,6 +20,9 @@ std::string Utf8(const String& text);
 /// Comparison without regard to the case of ASCII letters.
 bool EqualIgnoringCase(std::string_view a, std::string_view b);
 
+/// Whether an ASCII control character is in `text`.
+bool HasControlCharacter(std::string_view text);
+
 /// `text` without blanks and tabs at either end.
 std::string_view Trim(std::string_view text);
 

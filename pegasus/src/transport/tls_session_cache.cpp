@@ -23,7 +23,12 @@ bool TlsSessionKey::operator==(const TlsSessionKey& other) const {
 }
 
 std::shared_ptr<TlsSessionCache> TlsSessionCache::OfProcess() {
-  static const auto cache = std::make_shared<TlsSessionCache>();
+  static const auto cache = [] {
+    // OpenSSL registers its own cleanup when it starts. Started before the cache is, it ends after the cache has freed
+    // its sessions.
+    OPENSSL_init_ssl(0, nullptr);
+    return std::make_shared<TlsSessionCache>();
+  }();
   return cache;
 }
 

@@ -22,9 +22,9 @@ TlsStream::TlsStream(std::unique_ptr<TcpStream> tcp, const Endpoint& endpoint, c
       context_(MakeSslContext(settings_)),
       ssl_(MakeSsl(context_.get(), callbacks_)),
       offered_(SSL_get_session(ssl_.get()) != nullptr),
+      buffer_(limits::kReadBytes),
       incoming_(BIO_new(BIO_s_mem())),
-      outgoing_(BIO_new(BIO_s_mem())),
-      buffer_(limits::kReadBytes) {
+      outgoing_(BIO_new(BIO_s_mem())) {
   // The connection state owns both from here on, and takes null for either well.
   SSL_set_bio(ssl_.get(), incoming_, outgoing_);
   if (incoming_ == nullptr || outgoing_ == nullptr) {
@@ -47,6 +47,7 @@ IoStatus TlsStream::Flush(Deadline deadline) {
 }
 
 IoStatus TlsStream::Fill(Deadline deadline) {
+  if (deadline.HasPassed()) return IoStatus::kTimeout;
   std::size_t count = 0;
   const IoStatus status = tcp_->Read(buffer_.data(), buffer_.size(), count, deadline);
   if (status != IoStatus::kOk) return status;
@@ -62,11 +63,13 @@ IoStatus TlsStream::Resume(int result, Deadline deadline) {
 }
 
 IoStatus TlsStream::Handshake(std::uint32_t timeout) {
+  const Deadline whole = Deadline::After(std::chrono::milliseconds(timeout) * limits::kHandshakeTimeouts);
   for (;;) {
     ERR_clear_error();
     const int result = SSL_do_handshake(ssl_.get());
-    if (result == 1) return Flush(Deadline::After(timeout));
-    const IoStatus status = Resume(result, Deadline::After(timeout));
+    const Deadline wait = whole.Earlier(Deadline::After(timeout));
+    if (result == 1) return Flush(wait);
+    const IoStatus status = Resume(result, wait);
     if (status == IoStatus::kOk) continue;
     sessions_->Drop(key_);
     return status;
@@ -104,7 +107,7 @@ IoStatus TlsStream::Read(char* buffer, std::size_t size, std::size_t& count, Dea
 
 bool TlsStream::IsIdle() {
   // Bytes on the socket need not be data: a server may send session tickets at any time.
-  for (;;) {
+  for (std::size_t taken = 0; taken <= limits::kIdleBytes;) {
     std::size_t received = 0;
     const IoStatus status = tcp_->ReadNow(buffer_.data(), buffer_.size(), received);
     if (status == IoStatus::kClosed) return false;
@@ -114,7 +117,9 @@ bool TlsStream::IsIdle() {
     const int result = SSL_read(ssl_.get(), &byte, 1);
     if (result > 0 || SSL_get_error(ssl_.get(), result) != SSL_ERROR_WANT_READ) return false;
     if (status == IoStatus::kTimeout) return true;
+    taken += received;
   }
+  return false;
 }
 
 }  // namespace Pegasus::transport

@@ -24,7 +24,7 @@ class TlsStream : public Stream {
 
   /// Offers the session of an earlier connection to the same server, if there is one. A handshake that fails forgets
   /// that session.
-  /// @param timeout milliseconds for each wait
+  /// @param timeout milliseconds for each wait, of which the whole may take limits::kHandshakeTimeouts
   IoStatus Handshake(std::uint32_t timeout);
   /// After a failed handshake: the server broke off before it showed a certificate, although a session was offered, so
   /// that it may well accept a full handshake.
@@ -37,7 +37,8 @@ class TlsStream : public Stream {
  private:
   /// Sends what OpenSSL has for the server.
   IoStatus Flush(Deadline deadline);
-  /// Waits for bytes from the server and hands them to OpenSSL.
+  /// Waits for bytes from the server and hands them to OpenSSL. Looks at the deadline even when bytes are there: what
+  /// arrives may be no data at all, so a server that sends on and on must not get round the time-out.
   IoStatus Fill(Deadline deadline);
   /// What to do after a call of OpenSSL returned `result` without success: kOk to repeat it.
   IoStatus Resume(int result, Deadline deadline);
@@ -51,9 +52,9 @@ class TlsStream : public Stream {
   SslContextPointer context_;
   SslPointer ssl_;
   bool offered_;
-  BIO* incoming_ = nullptr;
-  BIO* outgoing_ = nullptr;
   std::vector<char> buffer_;
+  BIO* incoming_;
+  BIO* outgoing_;
 };
 
 }  // namespace Pegasus::transport
