@@ -225,11 +225,12 @@ TEST(CimErrors, OfAReseatOfAPassThruAreFailures) {
 
 TEST(CimErrors, WhileAJobIsFollowedHaveTheirCodes) {
   const std::string denied = R"({"request":{"class":"CIM_ConcreteJob"},"effect":{"kind":"cimError","code":2}})";
-  for (const auto& [operation, name] : {std::pair(UpdateSwitch, "switch"), std::pair(UpdatePassThru, "pass-through")}) {
+  for (int (*const operation)(const Access&) : {UpdateSwitch, UpdatePassThru}) {
     FaultyChassis chassis(denied);
-    EXPECT_EQ(operation(chassis.GetAccess()), 5) << name << "\n" << chassis.Lines();
-    EXPECT_TRUE(chassis.HasLine(1, "Wrong userid or password,  Please check your userid and password!")) << name;
-    EXPECT_EQ(chassis.Waited(), seconds(10)) << name;
+    EXPECT_EQ(operation(chassis.GetAccess()), 5) << chassis.Lines();
+    EXPECT_TRUE(chassis.HasLine(1, "Wrong userid or password,  Please check your userid and password!"))
+        << chassis.Lines();
+    EXPECT_EQ(chassis.Waited(), seconds(10));
   }
 }
 

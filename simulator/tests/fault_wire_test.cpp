@@ -206,8 +206,8 @@ TYPED_TEST(FaultOnTheWire, DelaysOnRealTime) {
 
 TYPED_TEST(FaultOnTheWire, DelaysSeveralAtTheSameTime) {
   this->Serve(R"({"request":{},"effect":{"kind":"delay","milliseconds":100}})");
-  std::vector<std::thread> clients;
-  for (int i = 0; i < 4; ++i) clients.emplace_back([this] { this->ExpectServed(); });
+  std::vector<std::thread> clients(4);
+  for (std::thread& client : clients) client = std::thread([this] { this->ExpectServed(); });
   for (std::thread& client : clients) client.join();
   EXPECT_GE(this->clock_->Now(), milliseconds(100));
   EXPECT_LE(this->clock_->Now(), milliseconds(400));
