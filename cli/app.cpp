@@ -1,6 +1,9 @@
 // Puts the pieces together: command line, log, simulator or connection, command, output.
 #include "cli/app.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -69,9 +72,20 @@ ExitStatus Carry(const Request& request, const Notices& notices) {
   return printed == ExitStatus::kDone ? outcome.status : printed;
 }
 
+// A journal or a connection that got the number of a closed standard stream would receive what is meant for that
+// stream.
+void OpenClosedStreams() {
+  for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    // The lowest number that is free is the one that is closed. Opened the wrong way round it stays without use.
+    const int mode = fd == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+    if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", mode) < 0) return;
+  }
+}
+
 }  // namespace
 
 int RunApp(int argc, const char* const* argv) {
+  OpenClosedStreams();
   const auto parsed = ParseCommandLine(argc, argv);
   if (const auto* finished = std::get_if<Finished>(&parsed)) return ToInt(finished->status);
   const auto& request = std::get<Request>(parsed);

@@ -44,7 +44,10 @@ constexpr std::string_view kConnectPrefixes[] = {
 // Lines of level 1 that say nothing about why something failed.
 constexpr std::string_view kNoCause[] = {"the return code of installPackage_CMM is ",
                                          "update failed and the return code message is ",
-                                         "reboot CMM failed and the return code message is "};
+                                         "reboot CMM failed and the return code message is ",
+                                         "The blade is not ready to change state.",
+                                         "Invoke method 'RequestStateChange': ERROR happened with returnvalue Reserved",
+                                         "Invoke method 'RequestStateChange': return value Reserved"};
 
 // A failed job's own words, which come after lines that only classify them.
 constexpr std::string_view kJobsWords = "Update failed and the reason is:  ";
@@ -79,11 +82,6 @@ std::string_view WithoutPrefix(std::string_view text) {
     if (StartsWith(text, prefix)) return text.substr(prefix.size());
   }
   return text;
-}
-
-bool TellsNoCause(std::string_view text) {
-  return std::any_of(std::begin(kNoCause), std::end(kNoCause),
-                     [text](std::string_view start) { return StartsWith(text, start); });
 }
 
 std::optional<std::string_view> ConnectFailure(std::string_view text) {
@@ -145,6 +143,11 @@ Cause FindRefusal(const std::vector<Log::Record>& records) {
     if (Cause cause = ClassifyMessage(record.text); cause.kind == CauseKind::kRefused) return cause;
   }
   return {};
+}
+
+bool TellsNoCause(std::string_view text) {
+  return std::any_of(std::begin(kNoCause), std::end(kNoCause),
+                     [text](std::string_view start) { return StartsWith(text, start); });
 }
 
 bool IsHard(CauseKind kind) { return kind != CauseKind::kNone && kind != CauseKind::kOther; }

@@ -5,6 +5,7 @@
 #include <orvane/log.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Orvane::cli {
@@ -32,6 +33,9 @@ Cause FindCause(const std::vector<Log::Record>& records);
 
 /// The first refusal of user or password in @p records, whatever failed before it; kNone when there is none.
 Cause FindRefusal(const std::vector<Log::Record>& records);
+
+/// True for the lines of level 1 that only tell how something ended, not why.
+bool TellsNoCause(std::string_view text);
 
 /// True when @p kind says that talking to the host failed, so that nothing the call returned can be trusted.
 bool IsHard(CauseKind kind);

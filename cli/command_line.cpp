@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cli/commands/commands.h"
+#include "cli/masking.h"
 #include "cli/operations/operation.h"
 #include "cli/operations/operation_run.h"
 #include "cli/text.h"
@@ -62,6 +63,7 @@ void AddOptions(CLI::App& app, Request& request, Values& values) {
   file->type_name("FILE")->group(group)->excludes(simulate);
   app.add_flag("--password-stdin", request.connection.passwordFromStdin,
                "The first line of standard input is the password")
+      ->disable_flag_override()  // an error text would show what somebody takes for the password's place
       ->group(group)
       ->excludes(simulate)
       ->excludes(file);
@@ -185,6 +187,18 @@ class Grammar {
 
 }  // namespace
 
+namespace {
+
+// What may be shown of a word that fits nowhere: an option without its value, a URI without credentials.
+std::string Shown(const std::string& word) {
+  const bool isShortOption = word.size() > 2 && word[0] == '-' && word[1] != '-';
+  if (isShortOption) return word.substr(0, 2);
+  if (word.find('@') != std::string::npos && word.find("://") == std::string::npos) return "...";
+  return MaskCredentials(word).substr(0, word.find('='));
+}
+
+}  // namespace
+
 std::variant<Request, Finished> ParseCommandLine(int argc, const char* const* argv) {
   CLI::App app{"Reads, updates, restarts and reseats the parts of a blade chassis through its management module.",
                "orvane"};
@@ -202,7 +216,7 @@ std::variant<Request, Finished> ParseCommandLine(int argc, const char* const* ar
     const std::vector<std::string> unknown = app.remaining(/*recurse=*/true);
     const bool success = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
     if (!success && !unknown.empty()) {
-      const std::string word = Neutralise(unknown.front().substr(0, unknown.front().find('=')));
+      const std::string word = Neutralise(Shown(unknown.front()));
       std::cerr << "orvane: \"" << word << "\" is no command or option\nRun with --help for more information.\n";
       return Finished{ExitStatus::kUsage};
     }

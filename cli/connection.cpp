@@ -73,6 +73,10 @@ Connection ResolveConnection(const ConnectionOptions& options, const Surrounding
   if (!host || host->empty()) {
     Refuse("no host: use --host or ORVANE_HOST for a management module, or --simulate for the simulator");
   }
+  // A URL may hold a password, which must not come back in a sentence about the host.
+  if (host->find_first_of("/@") != std::string::npos) {
+    Refuse("the host has to be a name or an address alone, without a scheme, a user or a path");
+  }
   connection.host = WithoutBrackets(*host);
   if (options.port) {
     connection.port = *options.port;

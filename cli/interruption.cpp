@@ -17,11 +17,12 @@ namespace {
 
 constexpr char kSignalled = 's';
 constexpr char kNoLongerWatched = 'n';
-constexpr std::array<int, 2> kSignals = {SIGINT, SIGTERM};
+constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGHUP};
 
 // What the handler needs: where to write, and what to put back afterwards.
 volatile std::sig_atomic_t writeEnd = -1;
 std::array<struct sigaction, kSignals.size()> actionsBefore;
+struct sigaction brokenPipeBefore;
 
 void OnSignal(int) {
   const int before = errno;
@@ -41,11 +42,21 @@ Interruption::Interruption(std::function<void()> report) : report_(std::move(rep
   action.sa_handler = OnSignal;
   // Requests go on undisturbed; the second signal has its own effect again.
   action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
-  for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &action, &actionsBefore[i]);
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    sigaction(kSignals[i], &action, &actionsBefore[i]);
+    // Who started the command with nohup wants it to outlive the terminal.
+    const bool outlives = kSignals[i] == SIGHUP && actionsBefore[i].sa_handler == SIG_IGN;
+    if (outlives) sigaction(SIGHUP, &actionsBefore[i], nullptr);
+  }
+  // Who reads the progress may go away; an operation goes on to its end all the same.
+  struct sigaction ignore = {};
+  ignore.sa_handler = SIG_IGN;
+  sigaction(SIGPIPE, &ignore, &brokenPipeBefore);
 }
 
 Interruption::~Interruption() {
   for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &actionsBefore[i], nullptr);
+  sigaction(SIGPIPE, &brokenPipeBefore, nullptr);
   while (write(static_cast<int>(writeEnd), &kNoLongerWatched, 1) < 0 && errno == EINTR) {
   }
   watcher_.join();

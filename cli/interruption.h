@@ -1,5 +1,5 @@
-// SIGINT and SIGTERM while an operation runs: the person is told what goes on at the management module, and the command
-// ends at once, even when a request is waiting for its answer.
+// SIGINT, SIGTERM and SIGHUP while an operation runs: the person is told what goes on at the management module, and the
+// command ends at once, even when a request is waiting for its answer.
 #pragma once
 
 #include <functional>
@@ -7,8 +7,9 @@
 
 namespace Orvane::cli {
 
-/// One at a time in a process. While it lives, the first SIGINT or SIGTERM has the report made on a thread of its own
-/// and then ends the process with status 130; a second one ends it without a report.
+/// One at a time in a process. While it lives, the first SIGINT, SIGTERM or (unless ignored) SIGHUP has the report made
+/// on a thread of its own and then ends the process with status 130; a second one ends it without a report. A broken
+/// pipe ends nothing.
 class Interruption {
  public:
   /// @param report  runs beside whatever the program does; must not wait for it.

@@ -22,8 +22,9 @@ namespace {
 constexpr unsigned kNeededLevel = 3;
 constexpr unsigned kLevelOfFiles = 1;
 constexpr unsigned kWatchedLevel = 4;
-// An operation may be followed for days.
+// An operation may be followed for days. How it began and how it ended tell what became of it.
 constexpr std::size_t kMostRecords = 20000;
+constexpr std::size_t kFirstRecords = 1000;
 
 std::optional<std::string> Environment(const char* name) {
   const char* value = std::getenv(name);
@@ -94,7 +95,7 @@ void LogCapture::Take(const Log::Record& taken) {
   // A full disk must not end an operation. One write per line: several processes may append to one file.
   if (shown) WriteAll(fd_, FormatRecord(record) + "\n");
   records_.push_back(std::move(record));
-  if (records_.size() > kMostRecords) records_.pop_front();
+  if (records_.size() > kMostRecords) records_.erase(records_.begin() + kFirstRecords);
 }
 
 }  // namespace Orvane::cli

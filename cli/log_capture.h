@@ -33,7 +33,7 @@ class LogCapture {
   void Clear();
 
   /// The records kept since the last Clear(), in order: levels 1 to 3, and 4 when it is shown or watched. Credentials
-  /// in URIs are masked. Of very many the oldest are gone.
+  /// in URIs are masked. Of very many those in the middle are gone.
   std::vector<Log::Record> Records() const;
 
   /// Receives every record before it is written; must not log. @p shown: a line on standard error follows.

@@ -18,18 +18,20 @@ bool EndsUri(char c) {
 }
 
 bool IsPort(std::string_view text) {
-  return std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
+  return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
 }
 
-// Where the "@" behind the user information stands; npos without one. A password may hold a "/" that should have been
-// escaped: then what looks like a port is none.
+// Where the "@" behind the user information stands; npos without one. A user or a password may hold a "/" that should
+// have been escaped: then what looks like a port is none, and a password stands in what looks like the path.
 std::size_t EndOfUserInformation(std::string_view uri) {
   const std::string_view authority = uri.substr(0, uri.find_first_of("/?#"));
   const std::size_t at = authority.rfind('@');
   if (at != std::string_view::npos || authority.substr(0, 1) == "[") return at;
   const std::size_t colon = authority.find(':');
-  if (colon == std::string_view::npos || IsPort(authority.substr(colon + 1))) return std::string_view::npos;
-  return uri.rfind('@');
+  const bool hasPort = colon != std::string_view::npos && IsPort(authority.substr(colon + 1));
+  const std::size_t last = uri.rfind('@');
+  if (hasPort || last == std::string_view::npos) return std::string_view::npos;
+  return uri.substr(0, last).find(':') == std::string_view::npos ? std::string_view::npos : last;
 }
 
 bool NamesASecret(std::string_view name) {
@@ -40,9 +42,10 @@ bool NamesASecret(std::string_view name) {
                      [&](std::string_view word) { return lower.find(word) != std::string::npos; });
 }
 
+// The query, and the fragment behind it.
 void AppendQuery(std::string_view query, std::string& out) {
   while (!query.empty()) {
-    const std::string_view parameter = query.substr(0, query.find('&'));
+    const std::string_view parameter = query.substr(0, query.find_first_of("&;#"));
     const std::size_t equals = parameter.find('=');
     if (equals != std::string_view::npos && NamesASecret(parameter.substr(0, equals))) {
       out.append(parameter.substr(0, equals + 1)).append(kMask);
@@ -51,27 +54,21 @@ void AppendQuery(std::string_view query, std::string& out) {
     }
     query.remove_prefix(parameter.size());
     if (query.empty()) break;
-    out += '&';
+    out += query.front();
     query.remove_prefix(1);
   }
 }
 
 // What follows "://".
 void AppendMasked(std::string_view uri, std::string& out) {
+  if (uri.empty()) return;
   if (const std::size_t at = EndOfUserInformation(uri); at != std::string_view::npos) {
     out.append(kMask);
     uri.remove_prefix(at);
   }
-  const std::size_t question = uri.find('?');
-  if (question == std::string_view::npos) {
-    out.append(uri);
-    return;
-  }
-  out.append(uri.substr(0, question + 1));
-  const std::string_view query = uri.substr(question + 1);
-  const std::size_t fragment = std::min(query.find('#'), query.size());
-  AppendQuery(query.substr(0, fragment), out);
-  out.append(query.substr(fragment));
+  const std::size_t query = std::min(uri.find_first_of("?#"), uri.size() - 1) + 1;
+  out.append(uri.substr(0, query));
+  AppendQuery(uri.substr(query), out);
 }
 
 }  // namespace

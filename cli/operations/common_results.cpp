@@ -109,7 +109,8 @@ ResultTable StateAnswerRows(int code) {
       {code, transition, kFailed, kNothingDone, "it answered 4097: not possible in its present state", kWaitAndRepeat},
       {code, timeout, kFailed, kNothingDone, "it answered 4098: no time-out supported", kSeeLog},
       {code, busy, kNotFound, kNothingDone, "it answered 4099: it is busy", kWaitAndRepeat},
-      {code, reserved, kFailed, kNothingDone, "it answered a number that has no meaning, or nothing", kSeeLog},
+      {code, reserved, kFailed, "the module gave no usable answer; it may restart all the same",
+       "it answered a number that has no meaning, or nothing", "look whether it restarts with the verify command"},
   };
 }
 

@@ -35,6 +35,10 @@ std::string Joined(const std::vector<std::string>& parts, const char* between) {
   return text;
 }
 
+std::string JobsText(const std::vector<std::string>& jobs) {
+  return (jobs.size() > 1 ? "jobs " : "job ") + Joined(jobs, ", ");
+}
+
 std::string Named(const Subject& subject) {
   return Neutralise(subject.product.empty() ? subject.label : subject.label + " (" + subject.product + ")");
 }
@@ -175,6 +179,7 @@ Outcome OperationRun::Execute(const Context& context, const Subject& subject) {
 
   if (ending.status != ExitStatus::kDone) {
     outcome.error = std::string(operation_.name) + ": " + outcome.message;
+    if (const auto jobs = progress_->Current().jobs; !jobs.empty()) outcome.error += "; " + JobsText(jobs);
     if (!ending.advice.empty()) outcome.error += "; " + ending.advice;
   }
   Fields fields = {{"target", Named(subject)}, {"result", outcome.message}};
@@ -227,8 +232,8 @@ OperationRun::Ending OperationRun::Judge(const Context& context, int code) const
   Ending ending{code, result.row->status, result.row->text, WithBay(result.row->advice, options_.bay)};
   const bool failed = ending.status != ExitStatus::kDone;
   std::string cause = result.row->cause;
-  // The line that names the job only tells that there is one.
-  const bool tells = !result.detail.empty() && JobInLine(result.detail).empty();
+  // The line that names the job only tells that there is one, others only tell the code once more.
+  const bool tells = !result.detail.empty() && JobInLine(result.detail).empty() && !TellsNoCause(result.detail);
   std::string detail = tells ? result.detail : FindCause(records).text;
   if (const Cause refusal = FindRefusal(records); failed && refusal.kind == CauseKind::kRefused) {
     ending.status = ExitStatus::kRefused;
@@ -279,7 +284,7 @@ Json OperationRun::JobsJson() const { return progress_->Current().jobs; }
 std::string OperationRun::InterruptedSentence(const Context& context) const {
   if (!progress_) return "interrupted; nothing was changed";
   const Progress::Snapshot now = progress_->Current();
-  const std::string jobs = (now.jobs.size() > 1 ? "jobs " : "job ") + Joined(now.jobs, ", ");
+  const std::string jobs = JobsText(now.jobs);
   std::string sentence = "interrupted; ";
   if (code_) {
     sentence += "the operation had ended already, with code " + std::to_string(*code_);

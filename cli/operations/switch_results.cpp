@@ -16,6 +16,8 @@ constexpr const char* kSkipped = "deferedupdatesupported==null or 0 and have fal
 constexpr const char* kNoDeferredConnection = "cmm connection error while getting deferedupdatesupported property";
 constexpr const char* kNoDeferredProperty = "cmm check deferedupdatesupported property not supported";
 constexpr const char* kRebootLater = "restart it with: orvane switch reboot --bay BAY";
+constexpr const char* kActivateLater =
+    "activate it with: orvane switch activate --bay BAY; then restart the switch if it does not do so by itself";
 constexpr const char* kCheckPackage = "check that the management module can fetch the package and that it fits";
 constexpr const char* kVerifyNext = "see when it is back with: orvane switch verify --bay BAY";
 
@@ -58,10 +60,15 @@ const ResultTable& StateRequestRows() {
 const ResultTable& SwitchUpdateResults() {
   static const ResultTable kRows = Join(
       {{
+           {0, "Failed to collect instancesIOMElement instances.", kFailed,
+            "installed, but the new image was not activated", "the images of the switches could not be read",
+            kActivateLater},
            {0, "Error happened when reboot the switch", kFailed, "installed, but the switch could not be restarted",
             "the request to restart it failed", kRebootLater},
            {0, kNoDeferredConnection, kFailed, "installed, but the switch was not restarted",
             "the connection was lost before it could be asked how it restarts", kRebootLater},
+           {0, "Failed to connect to the CMM", kFailed, "installed, but the new image was not activated",
+            "the connection was lost before", kActivateLater},
            {0, kNoDeferredProperty, kFailed, "installed, but the switch was not restarted",
             "it could not be found out how it restarts", kRebootLater},
            {0, kSkipped, kDone, "installed; the switch was not asked to restart",
@@ -77,11 +84,15 @@ const ResultTable& SwitchUpdateResults() {
            {2, "The JobStatus is Empty because error happened when creats jobinstance.", kFailed,
             "the job was lost sight of", "the management module no longer lists it, or says nothing about it",
             kListShows},
+           {2, "StartUpdate ended by an exception: ", kFailed, "installed, but the new image was not activated",
+            "the management module refused the change", kActivateLater},
            {2, "Error to get the job InstanceID of the InstallFromURI method!", kFailed,
             "the management module started no job", "it did not accept the request to install",
             "check the package URI, then run the command again"},
            {2, "Update failed with an unknown error.", kFailed, "the installation failed at the management module",
             "the job's state and words are none that are known", kSeeLog},
+           {2, kJobLogLine, kGaveUp, "the job was lost sight of; it may go on at the management module",
+            "the management module gave no usable answer while it ran", kListShows},
            {2, nullptr, kFailed, "an unexpected error ended it", "the management module gave no usable answer",
             kSeeLog},
            {5, nullptr, kRefused, "user or password was refused while the job ran; the job goes on",

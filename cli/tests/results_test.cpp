@@ -132,6 +132,9 @@ TEST_P(FindResultOf, TakesTheMostTellingRow) {
 const char* const kJob = "Parameter Name: Job, Parameter Value: C.InstanceID=\"JOB_1\"";
 const char* const kSkipped = "deferedupdatesupported==null or 0 and have fallback section, in this case, ...";
 
+const char* const kStateChanged = "Invoke method 'RequestStateChange': Completed with No Error";
+const char* const kInvokeError = "Unknown error happened when invokeMethod Connection closed by CIM Server.";
+
 INSTANTIATE_TEST_SUITE_P(
     Table, FindResultOf,
     ::testing::Values(
@@ -147,6 +150,8 @@ INSTANTIATE_TEST_SUITE_P(
         Decided{"cmm update", 2, {}, ExitStatus::kFailed},
         Decided{"cmm update", 2, {kJob, "Installing job is in error state 10 with status is x"}, ExitStatus::kFailed},
         Decided{"cmm update", 2, {kJob, "Job is still not in running after 11 times query"}, ExitStatus::kGaveUp},
+        Decided{
+            "cmm update", 2, {kJob, "the return code of installPackage_CMM is 0", kInvokeError}, ExitStatus::kFailed},
         Decided{"cmm update", 7, {}, ExitStatus::kNotFound}, Decided{"cmm update", 8, {kJob}, ExitStatus::kGaveUp},
         Decided{"cmm update", 99, {}, ExitStatus::kFailed},
         Decided{"cmm reboot", 0, {"CMM is doing reboot operation!"}, ExitStatus::kDone},
@@ -159,6 +164,20 @@ INSTANTIATE_TEST_SUITE_P(
                 0,
                 {kJob, "cmm connection error while getting deferedupdatesupported property", kSkipped},
                 ExitStatus::kFailed},
+        Decided{"switch update", 0, {kJob, "Failed to connect to the CMM", kSkipped}, ExitStatus::kFailed},
+        Decided{"switch update",
+                0,
+                {kJob, "Failed to collect instancesIOMElement instances.", kStateChanged},
+                ExitStatus::kFailed},
+        Decided{"switch update", 2, {kInvokeError}, ExitStatus::kFailed},
+        Decided{"switch update", 2, {kJob, kInvokeError}, ExitStatus::kGaveUp},
+        Decided{"switch update",
+                2,
+                {kJob, "Update completed successfully and the message is x", kInvokeError},
+                ExitStatus::kFailed},
+        Decided{"switch update", 2, {kJob, "StartUpdate ended by an exception: x"}, ExitStatus::kFailed},
+        Decided{"passthru update", 212, {kJob, kInvokeError}, ExitStatus::kGaveUp},
+        Decided{"passthru update", 212, {kInvokeError}, ExitStatus::kFailed},
         Decided{"switch update", 18, {}, ExitStatus::kNotFound}, Decided{"switch update", 5, {}, ExitStatus::kRefused},
         Decided{"switch update", 35, {}, ExitStatus::kFailed},
         Decided{"switch reboot", 0, {"switch deferedupdatesupported is null or 0", kSkipped}, ExitStatus::kNotFound},
