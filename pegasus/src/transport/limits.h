@@ -22,9 +22,9 @@ constexpr std::chrono::milliseconds kErrorBodyWait{2000};
 /// A whole TLS handshake may take that many time-outs; each of its waits is limited to one. It has two or three waits,
 /// but a server that sends byte by byte, or messages without end, could make any number of them.
 constexpr int kHandshakeTimeouts = 4;
-/// Bytes that a TLS server may send on an idle connection without saying anything (session tickets); with more of them
+/// Bytes that a TLS server may send on an idle connection without saying anything (session tickets); with that many
 /// the connection is given up.
-constexpr std::size_t kIdleBytes = 256U * 1024U;
+constexpr std::size_t kIdleBytes = 32U * 1024U;
 /// Bytes asked of the socket at a time.
 constexpr std::size_t kReadBytes = 64U * 1024U;
 /// TLS sessions that a process keeps for later connects, one for each host, port and verification callback.

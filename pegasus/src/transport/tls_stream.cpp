@@ -107,7 +107,7 @@ IoStatus TlsStream::Read(char* buffer, std::size_t size, std::size_t& count, Dea
 
 bool TlsStream::IsIdle() {
   // Bytes on the socket need not be data: a server may send session tickets at any time.
-  for (std::size_t taken = 0; taken <= limits::kIdleBytes;) {
+  for (std::size_t taken = 0; taken < limits::kIdleBytes;) {
     std::size_t received = 0;
     const IoStatus status = tcp_->ReadNow(buffer_.data(), buffer_.size(), received);
     if (status == IoStatus::kClosed) return false;

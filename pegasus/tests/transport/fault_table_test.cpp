@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 #include <openssl/ssl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -47,7 +49,7 @@ constexpr Uint32 kLong = 20000;
 /// Far more than any row needs, even where every wait takes its full time-out on a busy machine.
 constexpr std::chrono::seconds kWatchdog{15};
 /// Far more than any row needs, and far less than what the servers here promise or send.
-constexpr long kMemoryKilobytes = 200L * 1024;
+constexpr long kMemoryKilobytes = 400L * 1024;
 
 // ---- Answers -------------------------------------------------------------------------------------------------------
 
@@ -473,8 +475,8 @@ TEST_P(Fault, EndsAsTheTableSays) {
   options.script.push_back(Sends(Answer(kEmptyResult)));
   const RawServer server(options);
   CIMClient client;
-  client.setTimeout(row.timeout);
   client.connect(kHost, server.Port(), kUser, kPassword);
+  client.setTimeout(row.timeout);
 
   ExpectThrown(Catch([&] { Enumerate(client); }), row.thrown);
   const std::vector<RawRequest> requests = server.Requests();
@@ -642,7 +644,7 @@ const std::vector<HandshakeRow>& HandshakeRows() {
        PlainLater({RawAction::Send("HTTP/1.1 400 Bad Request\r\n\r\n"), RawAction::Hang()})},
       {"RecordCutShortThenSilence",
        PlainLater({RawAction::Send(std::string("\x16\x03\x03\x10\x00\x02", 6)), RawAction::Hang()}), &Accept, kShort},
-      {"OneByteNowAndThen", Plain(Trickles(HelloRequests().substr(0, 100))), &Accept, kShort},
+      {"OneByteNowAndThen", Plain(Trickles(HelloRequests().substr(0, 400))), &Accept, kShort},
       {"HelloRequestsWithoutEnd", PlainLater({RawAction::Flood(HelloRequests())}), &Accept, kShort},
       {"OnlyTls10", [] { return Tls({}, TLS1_VERSION, TLS1_VERSION); }},
       {"ChainOfAMegabyte", &BigChain},
@@ -746,6 +748,59 @@ INSTANTIATE_TEST_SUITE_P(
                       CertificateRow{"SerialNumberOf20Bytes", Numbered(std::string(40, '7')),
                                      X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT, "/CN=localhost", -1}),
     [](const auto& row) { return std::string(row.param.name); });
+
+/// Leaves the process `free` more descriptors while it lives.
+class FewDescriptors {
+ public:
+  explicit FewDescriptors(int free) {
+    getrlimit(RLIMIT_NOFILE, &before_);
+    rlimit few = before_;
+    constexpr rlim_t kEnough = 64;
+    few.rlim_cur = static_cast<rlim_t>(Descriptors()) + kEnough;
+    setrlimit(RLIMIT_NOFILE, &few);
+    for (int next = ::dup(STDERR_FILENO); next >= 0; next = ::dup(STDERR_FILENO)) taken_.push_back(next);
+    for (; free > 0 && !taken_.empty(); --free) Release();
+  }
+  ~FewDescriptors() {
+    while (!taken_.empty()) Release();
+    setrlimit(RLIMIT_NOFILE, &before_);
+  }
+  FewDescriptors(const FewDescriptors&) = delete;
+  FewDescriptors& operator=(const FewDescriptors&) = delete;
+
+ private:
+  void Release() {
+    ::close(taken_.back());
+    taken_.pop_back();
+  }
+
+  rlimit before_{};
+  std::vector<int> taken_;
+};
+
+class DescriptorsLeft : public ::testing::TestWithParam<int> {};
+
+TEST_P(DescriptorsLeft, EndInADocumentedExceptionAndTheClientConnectsOnceThereAreMore) {
+  const Bounds bounds;
+  RawServerOptions options;
+  options.script = {Sends(Answer(kEmptyResult))};
+  const RawServer server(options);
+  CIMClient client;
+  const auto connect = [&] { client.connect(kHost, server.Port(), kUser, kPassword); };
+  Thrown thrown;
+  {
+    const FewDescriptors few(GetParam());
+    thrown = Catch(connect);
+  }
+  const std::vector<std::string> documented{"CannotCreateSocketException", "CannotConnectException",
+                                            "InvalidLocatorException"};
+  EXPECT_EQ(std::count(documented.begin(), documented.end(), thrown.name), 1) << thrown.name << thrown.message;
+  connect();
+  EXPECT_EQ(Enumerate(client), 0U);
+}
+
+// A connection takes four: its socket and three of the loop that waits for it.
+INSTANTIATE_TEST_SUITE_P(Process, DescriptorsLeft, ::testing::Range(0, 4));
 
 TEST(TicketFlood, InsteadOfAnAnswerRunsIntoTheTimeout) {
   const Bounds bounds;
