@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <system_error>
@@ -20,14 +21,15 @@ constexpr char kNoLongerWatched = 'n';
 constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGHUP};
 
 // What the handler needs: where to write, and what to put back afterwards.
-volatile std::sig_atomic_t writeEnd = -1;
+std::atomic<int> writeEnd{-1};
+static_assert(std::atomic<int>::is_always_lock_free, "a signal handler may use nothing else");
 std::array<struct sigaction, kSignals.size()> actionsBefore;
 struct sigaction brokenPipeBefore;
 
 void OnSignal(int) {
   const int before = errno;
   // A full or closed pipe needs no second byte.
-  if (write(static_cast<int>(writeEnd), &kSignalled, 1) < 0) errno = before;
+  if (write(writeEnd.load(), &kSignalled, 1) < 0) errno = before;
 }
 
 }  // namespace
@@ -57,10 +59,10 @@ Interruption::Interruption(std::function<void()> report) : report_(std::move(rep
 Interruption::~Interruption() {
   for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &actionsBefore[i], nullptr);
   sigaction(SIGPIPE, &brokenPipeBefore, nullptr);
-  while (write(static_cast<int>(writeEnd), &kNoLongerWatched, 1) < 0 && errno == EINTR) {
+  while (write(writeEnd.load(), &kNoLongerWatched, 1) < 0 && errno == EINTR) {
   }
   watcher_.join();
-  close(static_cast<int>(writeEnd));
+  close(writeEnd.load());
   close(readEnd_);
   writeEnd = -1;
 }

@@ -73,6 +73,13 @@ std::vector<Log::Record> LogCapture::Records() const {
   return {records_.begin(), records_.end()};
 }
 
+bool LogCapture::Holds(std::string_view start) const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return std::any_of(records_.begin(), records_.end(), [start](const Log::Record& record) {
+    return std::string_view(record.text).substr(0, start.size()) == start;
+  });
+}
+
 void LogCapture::SetObserver(Observer observer) {
   const bool watched = observer != nullptr;
   {

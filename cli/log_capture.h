@@ -9,6 +9,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Orvane::cli {
@@ -35,6 +36,9 @@ class LogCapture {
   /// The records kept since the last Clear(), in order: levels 1 to 3, and 4 when it is shown or watched. Credentials
   /// in URIs are masked. Of very many those in the middle are gone.
   std::vector<Log::Record> Records() const;
+
+  /// True when one of those records begins with @p start.
+  bool Holds(std::string_view start) const;
 
   /// Receives every record before it is written; must not log. @p shown: a line on standard error follows.
   using Observer = std::function<void(const Log::Record& record, bool shown)>;

@@ -1,7 +1,6 @@
 // One sentence per cause: what happened, where, and what to do about it. The password is in none of them.
 #include "cli/target.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "cli/failure.h"
@@ -23,12 +22,7 @@ Target::Target(Connection connection, LogCapture& log)
 
 Cause Target::LastCause() const { return FindCause(log_.Records()); }
 
-bool Target::Logged(std::string_view start) const {
-  const auto records = log_.Records();
-  return std::any_of(records.begin(), records.end(), [start](const Log::Record& record) {
-    return std::string_view(record.text).substr(0, start.size()) == start;
-  });
-}
+bool Target::Logged(std::string_view start) const { return log_.Holds(start); }
 
 std::string Target::Where() const {
   const std::string host = Neutralise(connection_.host);

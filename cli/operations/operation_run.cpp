@@ -29,6 +29,9 @@ using Fields = std::vector<std::pair<std::string, std::string>>;
 
 constexpr const char* kOfferedUnknown = "not known before the management module has fetched the package";
 
+// What the library logs when a switch's job has done its work.
+constexpr const char* kInstalledLine = "Update completed successfully and the message is ";
+
 std::string Joined(const std::vector<std::string>& parts, const char* between) {
   std::string text;
   for (const std::string& part : parts) text += (text.empty() ? "" : between) + part;
@@ -242,6 +245,10 @@ OperationRun::Ending OperationRun::Judge(const Context& context, int code) const
     ending.advice = "check user and password, and that the user may change the chassis";
   }
   if (!cause.empty()) ending.sentence += (failed ? ": " : " (") + cause + (failed ? "" : ")");
+  if (!failed && options_.noWait) ending.sentence += "; it was not waited for";
+  if (failed && code != 0 && options_.packages.size() > 1 && context.log.Holds(kInstalledLine)) {
+    ending.sentence += "; the first package is installed, but not activated";
+  }
   if (failed) {
     ending.sentence += " (code " + std::to_string(code);
     if (!detail.empty()) ending.sentence += ": " + Neutralise(detail);
