@@ -1,4 +1,5 @@
-// Columns are chosen so that a full chassis fits on one screen of 120 columns; the JSON output holds every field.
+// Numbers and images of a module stand below each other, as its addresses do, so that a full chassis fits on a screen
+// of 120 columns; the JSON output holds every field.
 #include "cli/module_table.h"
 
 #include <algorithm>
@@ -11,7 +12,7 @@ namespace {
 
 constexpr std::size_t kNameWidth = 27;
 constexpr std::size_t kNumberWidth = 16;
-constexpr std::size_t kVersionWidth = 22;
+constexpr std::size_t kFirmwareWidth = 32;
 
 std::string BayText(int slot) { return slot < 0 ? std::string() : std::to_string(slot); }
 
@@ -25,27 +26,39 @@ Cell Addresses(const std::vector<IPInfo>& ips) {
   return lines;
 }
 
+// Part and serial number, each in its line even when the other one is not known.
+Cell Numbers(const Physicallnfo& physical) {
+  const std::string part = Trim(physical.PartNumber);
+  const std::string serial = Trim(physical.SerialNumber);
+  if (part.empty() && serial.empty()) return {};
+  return {part.empty() ? "-" : part, serial.empty() ? "-" : serial};
+}
+
+Cell Images(const std::vector<FirmwareIdentity>& firmwares) {
+  const FirmwareColumns images = SortFirmwares(firmwares);
+  Cell lines;
+  const auto add = [&lines](const char* part, const std::vector<std::string>& versions) {
+    for (const std::string& version : versions) lines.push_back(part + version);
+  };
+  add("active   ", images.active);
+  add("fallback ", images.fallback);
+  add("boot     ", images.boot);
+  return lines;
+}
+
 }  // namespace
 
 ModuleTable::ModuleTable()
     : table_({{"BAY", 0},
               {"KIND", 0},
               {"NAME", kNameWidth},
-              {"SERIAL", kNumberWidth},
-              {"ACTIVE", kVersionWidth},
-              {"FALLBACK", kVersionWidth},
+              {"PART, SERIAL", kNumberWidth},
+              {"FIRMWARE", kFirmwareWidth},
               {"ADDRESSES", 0}}) {}
 
 void ModuleTable::Add(const std::string& kind, const Physicallnfo& physical, const std::string& name,
                       const std::vector<FirmwareIdentity>& firmwares, const std::vector<IPInfo>& ips) {
-  const FirmwareColumns firmware = SortFirmwares(firmwares);
-  table_.AddRow({{BayText(physical.SlotNumber)},
-                 {kind},
-                 {name},
-                 {physical.SerialNumber},
-                 firmware.active,
-                 firmware.fallback,
-                 Addresses(ips)});
+  table_.AddRow({{BayText(physical.SlotNumber)}, {kind}, {name}, Numbers(physical), Images(firmwares), Addresses(ips)});
   ++rows_;
 }
 

@@ -72,6 +72,7 @@ TEST(Inventory, ShowsEveryModuleOfTheModel) {
   for (const char* kind : {"switches", "passThrus"}) {
     for (const json& module : BuiltInModel().at(kind)) {
       EXPECT_THAT(result.output, HasSubstr(module["package"]["serialNumber"].get<std::string>()));
+      EXPECT_THAT(result.output, HasSubstr(module["package"]["partNumber"].get<std::string>()));
     }
   }
   EXPECT_THAT(result.output, HasSubstr("CMM standby"));

@@ -123,6 +123,24 @@ TEST(ModuleTable, DoesNotCallACmmStandbyWhenNoneCouldBeRead) {
   EXPECT_THAT(table.Text(), Not(HasSubstr("standby")));
 }
 
+TEST(ModuleTable, ShowsNumbersAndImagesBelowEachOther) {
+  CIMIOData module;
+  module.Physical.SlotNumber = 3;
+  module.Physical.ProductName = "Switch";
+  module.Physical.SerialNumber = "S1";
+  FirmwareIdentity boot = Image("3.2", "");
+  boot.IsNotBootRom = false;
+  module.Firmwares = {boot, Image("6.9", "4 "), Image("7.1", "2 ")};
+  ModuleTable table;
+  table.AddModules({module});
+
+  EXPECT_EQ(table.Text(),
+            "BAY  KIND    NAME    PART, SERIAL  FIRMWARE      ADDRESSES\n"
+            "3    switch  Switch  -             active   7.1  -\n"
+            "                     S1            fallback 6.9\n"
+            "                                   boot     3.2\n");
+}
+
 TEST(ModuleTable, ShowsEveryAddress) {
   CIMIOData module;
   IPInfo both;
