@@ -31,13 +31,12 @@ int CallbackIndex() {
 TlsCallbacks* CallbacksOf(const SSL* ssl) { return static_cast<TlsCallbacks*>(SSL_get_ex_data(ssl, CallbackIndex())); }
 
 /// Keeps a session for later connects. With TLS 1.3 it comes only after the handshake, with the first answer.
-/// @return 1 when the reference to the session was taken over
+/// @return 0: the reference to the session stays with OpenSSL
 int KeepSession(SSL* ssl, SSL_SESSION* session) {
   const TlsCallbacks* callbacks = CallbacksOf(ssl);
   if (callbacks == nullptr || SSL_SESSION_is_resumable(session) != 1) return 0;
-  SSL_SESSION_up_ref(session);
   try {
-    callbacks->sessions->Put(*callbacks->key, SslSessionPointer(session));
+    callbacks->sessions->Put(*callbacks->key, session);
   } catch (const std::bad_alloc&) {
     // Nothing is lost but the time of a full handshake.
   }

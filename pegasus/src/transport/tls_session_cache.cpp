@@ -23,12 +23,7 @@ bool TlsSessionKey::operator==(const TlsSessionKey& other) const {
 }
 
 std::shared_ptr<TlsSessionCache> TlsSessionCache::OfProcess() {
-  static const auto cache = [] {
-    // OpenSSL registers its own cleanup when it starts. Started before the cache is, it ends after the cache has freed
-    // its sessions.
-    OPENSSL_init_ssl(0, nullptr);
-    return std::make_shared<TlsSessionCache>();
-  }();
+  static const auto cache = std::make_shared<TlsSessionCache>();
   return cache;
 }
 
@@ -36,15 +31,21 @@ std::list<TlsSessionCache::Entry>::iterator TlsSessionCache::Locate(const TlsSes
   return std::find_if(entries_.begin(), entries_.end(), [&key](const Entry& entry) { return entry.key == key; });
 }
 
-void TlsSessionCache::Put(const TlsSessionKey& key, SslSessionPointer session) {
+void TlsSessionCache::Put(const TlsSessionKey& key, SSL_SESSION* session) {
+  const int size = i2d_SSL_SESSION(session, nullptr);
+  if (size <= 0) return;
+  std::vector<unsigned char> bytes(static_cast<std::size_t>(size));
+  unsigned char* end = bytes.data();
+  if (i2d_SSL_SESSION(session, &end) != size) return;
+
   const std::lock_guard<std::mutex> lock(mutex_);
   const auto known = Locate(key);
   if (known != entries_.end()) {
-    known->session = std::move(session);
+    known->session = std::move(bytes);
     entries_.splice(entries_.begin(), entries_, known);
     return;
   }
-  entries_.push_front({key, std::move(session)});
+  entries_.push_front({key, std::move(bytes)});
   if (entries_.size() > limits::kTlsSessions) entries_.pop_back();
 }
 
@@ -52,14 +53,9 @@ SslSessionPointer TlsSessionCache::Find(const TlsSessionKey& key) {
   const std::lock_guard<std::mutex> lock(mutex_);
   const auto known = Locate(key);
   if (known == entries_.end()) return nullptr;
-  SSL_SESSION* const session = known->session.get();
-  if (SSL_SESSION_is_resumable(session) != 1) {
-    entries_.erase(known);
-    return nullptr;
-  }
   entries_.splice(entries_.begin(), entries_, known);
-  SSL_SESSION_up_ref(session);
-  return SslSessionPointer(session);
+  const unsigned char* begin = known->session.data();
+  return SslSessionPointer(d2i_SSL_SESSION(nullptr, &begin, static_cast<long>(known->session.size())));
 }
 
 void TlsSessionCache::Drop(const TlsSessionKey& key) {

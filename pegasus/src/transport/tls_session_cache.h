@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "transport/stream.h"
 
@@ -36,15 +37,16 @@ class TlsSessionCache {
   /// The cache of this process; streams share it, so that it outlives the last of them.
   static std::shared_ptr<TlsSessionCache> OfProcess();
 
-  void Put(const TlsSessionKey& key, SslSessionPointer session);
-  /// The session to offer, null when there is none that a server could resume.
+  void Put(const TlsSessionKey& key, SSL_SESSION* session);
+  /// The session to offer, an object of the caller's own; null when there is none.
   SslSessionPointer Find(const TlsSessionKey& key);
   void Drop(const TlsSessionKey& key);
 
  private:
   struct Entry {
     TlsSessionKey key;
-    SslSessionPointer session;
+    /// As ASN.1: OpenSSL goes on working on the object, so connections on several threads must not share it.
+    std::vector<unsigned char> session;
   };
   std::list<Entry>::iterator Locate(const TlsSessionKey& key);
 

@@ -32,11 +32,6 @@ TlsStream::TlsStream(std::unique_ptr<TcpStream> tcp, const Endpoint& endpoint, c
   }
 }
 
-TlsStream::~TlsStream() {
-  // Sends nothing (shutdown is quiet), but lets the session be resumed, which a connection that just ends may not.
-  if (SSL_is_init_finished(ssl_.get()) == 1) SSL_shutdown(ssl_.get());
-}
-
 IoStatus TlsStream::Flush(Deadline deadline) {
   char* data = nullptr;
   const long size = BIO_get_mem_data(outgoing_, &data);

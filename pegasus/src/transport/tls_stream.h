@@ -20,7 +20,6 @@ class TlsStream : public Stream {
   /// @param endpoint what `tcp` is connected to
   /// @throws SSLException when the files that `settings` names cannot be used
   TlsStream(std::unique_ptr<TcpStream> tcp, const Endpoint& endpoint, const SSLContext& settings);
-  ~TlsStream() override;
 
   /// Offers the session of an earlier connection to the same server, if there is one. A handshake that fails forgets
   /// that session.
