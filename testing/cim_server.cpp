@@ -202,7 +202,8 @@ CimServer::CimServer(Options options) : options_(std::move(options)) {
       });
 }
 
-CimServer::~CimServer() { listener_.reset(); }
+// The listener goes first and joins its threads, which may ask for it until then.
+CimServer::~CimServer() = default;
 
 CimServer& CimServer::On(Script script) {
   const std::lock_guard<std::mutex> lock(mutex_);

@@ -191,12 +191,13 @@ HttpListener::~HttpListener() {
   stopping_ = true;
   StopAccepting();
   acceptor_.join();
-  ::close(listener_);
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     for (const auto& connection : connections_) connection->Shutdown();
   }
   for (const auto& connection : connections_) connection->thread.join();
+  // Not before: a handler may still stop the accepting, which must not meet another socket of this number.
+  ::close(listener_);
 }
 
 void HttpListener::StopAccepting() { ::shutdown(listener_, SHUT_RDWR); }
