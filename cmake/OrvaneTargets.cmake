@@ -39,7 +39,8 @@ elseif(ORVANE_SANITIZE)
   message(FATAL_ERROR "ORVANE_SANITIZE is '${ORVANE_SANITIZE}'; use address, thread or leave it empty")
 endif()
 if(ORVANE_COVERAGE)
-  list(APPEND orvane_instrument --coverage)
+  # Counters of several threads must not lose counts, or end up negative.
+  list(APPEND orvane_instrument --coverage -fprofile-update=atomic)
 endif()
 if(ORVANE_FUZZ)
   # Every room reports its coverage, or the fuzzer would look for new paths in the target's own few lines only.
