@@ -105,6 +105,7 @@ int Run(const std::string& package) {
   const double memoryBefore = ResidentMegabytes();
   std::atomic<int> succeeded{0};
   std::vector<std::thread> updates;
+  updates.reserve(chassis.size());
   for (const auto& one : chassis) {
     updates.emplace_back([&succeeded, &package, port = one->HttpsPort()] {
       CMMUpdate update("127.0.0.1", port, "USERID", "bench", "file://" + package);

@@ -239,6 +239,7 @@ TEST(ReturnCodesDocument, ShowsTheTablesOfEveryOperation) {
     documented.erase(operation.name);
   }
   std::vector<std::string> others;
+  others.reserve(documented.size());
   for (const auto& [heading, rows] : documented) others.push_back(heading);
   EXPECT_THAT(others, UnorderedElementsAreArray({"Texts of GetUpdateResultMessage", "Texts of GetUpdateErrorMessage",
                                                  "Failed jobs: CheckUpdateErrorCode"}));

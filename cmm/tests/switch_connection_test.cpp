@@ -32,7 +32,7 @@ std::vector<std::string> Attempt(const std::string& host, std::uint16_t port) {
   if (lines.size() != 8) return lines;
   EXPECT_EQ(lines.front(), kEnter);
   EXPECT_EQ(lines.back(), kFailed);
-  const std::vector<std::string> first(lines.begin() + 1, lines.begin() + 3);
+  std::vector<std::string> first(lines.begin() + 1, lines.begin() + 3);
   EXPECT_EQ(std::vector<std::string>(lines.begin() + 3, lines.begin() + 5), first);
   EXPECT_EQ(std::vector<std::string>(lines.begin() + 5, lines.begin() + 7), first);
   return first;

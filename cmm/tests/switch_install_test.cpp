@@ -38,16 +38,17 @@ TEST_F(SwitchInstall, StepByStep) {
 
   EXPECT_EQ(object.installPackage(kUri), 0);
 
-  EXPECT_EQ(Lines(),
-            UpToInvocation(
-                {"3 Invoke method 'InstallFromURI', return CIMValue string = 4096", kTargetParameter,
-                 "3 Parameter Name: Job, Parameter Value: CIM_ConcreteJob.InstanceID=\"job 7\"",
-                 "3 Try to get the result of the InstallFromURI call: 1", kConnectedLine,
-                 "3 Job instance info: ( InstanceID:job 7,JobStatus: Flash Installation Job Started,JobState: 4 )",
-                 "3 Update process started! ", "3 Try to get the result of the InstallFromURI call: 2", kConnectedLine,
-                 "3 Job instance info: ( InstanceID:job 7,JobStatus: Flash Completed with no apparent errors,"
-                 "JobState: 7 )",
-                 "3 Update completed successfully and the message is Flash Completed with no apparent errors"}));
+  const std::string jobDone =
+      "3 Job instance info: ( InstanceID:job 7,JobStatus: Flash Completed with no apparent errors,JobState: 7 )";
+  EXPECT_EQ(
+      Lines(),
+      UpToInvocation({"3 Invoke method 'InstallFromURI', return CIMValue string = 4096", kTargetParameter,
+                      "3 Parameter Name: Job, Parameter Value: CIM_ConcreteJob.InstanceID=\"job 7\"",
+                      "3 Try to get the result of the InstallFromURI call: 1", kConnectedLine,
+                      "3 Job instance info: ( InstanceID:job 7,JobStatus: Flash Installation Job Started,JobState: 4 )",
+                      "3 Update process started! ", "3 Try to get the result of the InstallFromURI call: 2",
+                      kConnectedLine, jobDone,
+                      "3 Update completed successfully and the message is Flash Completed with no apparent errors"}));
   EXPECT_THAT(progress.texts, ElementsAre("start install package on I/O Module switch"));
   EXPECT_THAT(clock.Sleeps(), ElementsAre(10000u, 60000u));
 }
@@ -67,6 +68,7 @@ TEST_F(SwitchInstall, RequestsAndConnections) {
   std::map<unsigned, std::vector<std::string>> connections;
   for (const CimRequest& request : server.Requests()) connections[request.connection].push_back(request.Summary());
   std::vector<std::vector<std::string>> inOrder;
+  inOrder.reserve(connections.size());
   for (const auto& [number, requests] : connections) inOrder.push_back(requests);
   EXPECT_THAT(inOrder, ElementsAre(ElementsAre(kEnumerateServices, kInvoke), ElementsAre("EnumerateInstances CIM_Slot"),
                                    ElementsAre(slot, package), ElementsAre(jobs), ElementsAre(jobs)));

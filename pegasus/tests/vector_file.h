@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "test_data.h"
+
 namespace Pegasus::test {
 
 /// One record, with its number for the name of its test case.
@@ -28,7 +30,7 @@ inline void PrintTo(const Vector& vector, std::ostream* out) { *out << vector.re
 /// Reads <test data>/`name`. Called while test cases are registered, where nothing could catch an exception: a file
 /// that cannot be used ends the program with status 1 and a line that names it.
 inline std::vector<Vector> LoadVectors(const std::string& name) {
-  const std::string path = std::string(ORVANE_TEST_DATA) + "/" + name;
+  const std::string path = TestDataPath(name);
   try {
     std::ifstream file(path);
     if (!file) {

@@ -191,15 +191,20 @@ TEST(Pool, ASweepFreesWhatLiesInSeveralPieces) {
 }
 
 TEST(Pool, CopiesMayDieInOtherThreads) {
+  constexpr int kTexts = 2000;
   const long before = livingAllocations;
   {
     std::vector<std::thread> threads;
     Pool pool(kLargeText);
     for (int t = 0; t < 4; ++t) {
       std::vector<String> texts;
-      for (int i = 0; i < 2000; ++i) texts.push_back(Numbered(pool, i));
+      texts.reserve(kTexts);
+      for (int i = 0; i < kTexts; ++i) texts.push_back(Numbered(pool, i));
       const auto work = [](const std::vector<String>& mine) {
-        for (int round = 0; round < 20; ++round) const std::vector<String> copies = mine;
+        for (int round = 0; round < 20; ++round) {
+          std::vector<String> copies = mine;
+          copies.pop_back();
+        }
       };
       threads.emplace_back(work, texts);
       threads.emplace_back(work, std::move(texts));

@@ -6,11 +6,13 @@
 #include <stdexcept>
 #include <string>
 
+#include "test_data.h"
+
 namespace Pegasus::test {
 
 /// The bytes of <test data>/`name`.
 inline std::string ReadRecorded(const std::string& name) {
-  std::ifstream file(std::string(ORVANE_TEST_DATA) + "/" + name, std::ios::binary);
+  std::ifstream file(TestDataPath(name), std::ios::binary);
   if (!file) throw std::runtime_error(name + " cannot be opened");
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }

@@ -1,0 +1,8 @@
+// The one unit that is compiled with the checkout's path, so that a compiler cache serves every other one to all clones.
+#include "test_data.h"
+
+namespace Pegasus::test {
+
+std::string TestDataPath(const std::string& name) { return std::string(ORVANE_TEST_DATA "/") + name; }
+
+}  // namespace Pegasus::test
