@@ -21,7 +21,8 @@ struct ChassisSettings;
 /// place, reason.
 class ModelError : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  /// @param message  control characters in it, which come out of the document, are shown as JSON writes them ("\u000A")
+  explicit ModelError(const std::string& message);
 };
 
 /// The checked contents of a chassis, ready to be served. An immutable value: copies are cheap and share the contents,
