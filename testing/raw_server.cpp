@@ -46,7 +46,7 @@ int Listen(const std::string& address, std::uint16_t& port) {
   auto* place = ipv6 ? reinterpret_cast<sockaddr*>(&six) : reinterpret_cast<sockaddr*>(&four);
   socklen_t length = ipv6 ? sizeof(six) : sizeof(four);
   const int listener = ::socket(ipv6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  constexpr int kBacklog = 16;
+  constexpr int kBacklog = 128;
   const int on = 1;  // a server may come back on the port of one that has just gone
   if (listener < 0 || ::setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on)) != 0 ||
       ::bind(listener, place, length) != 0 || ::listen(listener, kBacklog) != 0 ||
@@ -197,6 +197,11 @@ class RawServer::Peer {
     return SSL_new_session_ticket(ssl_.get()) == 1 && SSL_do_handshake(ssl_.get()) == 1 && Flush();
   }
 
+  void Await() const {
+    while (!stopped_ && !Readable(socket_, kPollMilliseconds)) {
+    }
+  }
+
   void HalfClose() const { ::shutdown(socket_, SHUT_WR); }
 
   void SayGoodbye() {
@@ -300,6 +305,11 @@ bool RawServer::WaitForConnections(unsigned count, std::chrono::milliseconds wai
   return changed_.wait_for(lock, wait, [this, count] { return peers_.size() >= count; });
 }
 
+bool RawServer::WaitUntilPlayed(std::size_t count, std::chrono::milliseconds wait) const {
+  std::unique_lock<std::mutex> lock(mutex_);
+  return changed_.wait_for(lock, wait, [this, count] { return played_ >= count; });
+}
+
 void RawServer::Accept() {
   while (listening_) {
     if (!Readable(listener_, kPollMilliseconds) || !listening_) continue;
@@ -363,6 +373,12 @@ void RawServer::Serve(Peer& peer) {
       if (requests_.size() <= options_.script.size()) actions = options_.script[requests_.size() - 1];
     }
     open = Play(peer, actions, request.MessageId());
+    if (!open) peer.Close();
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      ++played_;
+    }
+    changed_.notify_all();
   }
   peer.Close();
 }
@@ -397,6 +413,9 @@ bool RawServer::PlayOne(Peer& peer, const RawAction& action, const std::string& 
     case RawAction::Kind::kReset:
       peer.Reset();
       return false;
+    case RawAction::Kind::kAwait:
+      peer.Await();
+      return true;
     case RawAction::Kind::kSleep:
       WaitUntilStopped(action.wait);
       return true;

@@ -27,6 +27,7 @@ struct RawAction {
     kTickets,     ///< sends TLS 1.3 session tickets in the same manner
     kHalfClose,   ///< ends what the server sends, but goes on receiving
     kReset,       ///< closes the connection with a TCP reset
+    kAwait,       ///< waits until bytes of the client are there to be read, or until the server is stopped
     kSleep,       ///< waits for `wait`, or until the server is stopped
     kStopListen,  ///< refuses connections from now on
     kHang,        ///< keeps the connection open, silent and unread until the server is stopped
@@ -43,6 +44,7 @@ struct RawAction {
   static RawAction Close() { return {Kind::kClose, {}, {}}; }
   static RawAction CloseTls() { return {Kind::kCloseTls, {}, {}}; }
   static RawAction Reset() { return {Kind::kReset, {}, {}}; }
+  static RawAction Await() { return {Kind::kAwait, {}, {}}; }
   static RawAction Sleep(std::chrono::milliseconds wait) { return {Kind::kSleep, {}, wait}; }
   static RawAction StopListen() { return {Kind::kStopListen, {}, {}}; }
   static RawAction Hang() { return {Kind::kHang, {}, {}}; }
@@ -107,6 +109,9 @@ class RawServer {
   /// Waits until that many connections have been accepted: a client may have connected before the server has noticed.
   /// False when that takes longer than `wait`.
   bool WaitForConnections(unsigned count, std::chrono::milliseconds wait) const;
+  /// Waits until everything has been done that the script says for the first `count` requests: a client may have its
+  /// answer before. False when that takes longer than `wait`.
+  bool WaitUntilPlayed(std::size_t count, std::chrono::milliseconds wait) const;
 
  private:
   struct Tls;
@@ -131,6 +136,7 @@ class RawServer {
   mutable std::condition_variable changed_;
   bool stopping_ = false;
   std::vector<RawRequest> requests_;
+  std::size_t played_ = 0;
   std::vector<std::unique_ptr<Peer>> peers_;
 
   std::thread acceptor_;

@@ -7,8 +7,8 @@
 
 #include <vector>
 
+#include "base/limits.h"
 #include "transport/http_request.h"
-#include "transport/limits.h"
 #include "transport/response_check.h"
 #include "transport/text.h"
 

@@ -27,7 +27,7 @@ class Connection {
   };
 
   /// Opens a connection; sends no request.
-  /// @param timeout milliseconds, for each address tried and for each wait of a handshake
+  /// @param timeout milliseconds, for looking up the host, for each address tried and for each wait of a handshake
   /// @throws AlreadyConnectedException, InvalidLocatorException, CannotConnectException, SSLException
   void Connect(Target target, const String& userName, const String& password, std::uint32_t timeout);
 

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "transport/limits.h"
+#include "base/limits.h"
 #include "transport/text.h"
 
 namespace Pegasus::transport {
@@ -279,7 +279,11 @@ void ResponseReader::AppendBody(std::string_view bytes) {
     if (state_ == State::kCounted && missing_ < capacity - body.size()) {
       capacity = body.size() + static_cast<std::size_t>(missing_);
     }
-    body.reserve(capacity);
+    // Into an empty string, as a full one makes room for twice of what it has at least.
+    std::string larger;
+    larger.reserve(capacity);
+    larger += body;
+    body.swap(larger);
   }
   body.append(bytes);
 }

@@ -2,7 +2,9 @@
 #include <Pegasus/Common/Exception.h>
 
 #include <limits>
+#include <vector>
 
+#include "transport/resolver.h"
 #include "transport/stream.h"
 #include "transport/tcp_stream.h"
 #include "transport/text.h"
@@ -23,24 +25,26 @@ String Locator(const Endpoint& endpoint) { return HeaderText(endpoint.host + ":"
   throw CannotConnectException(message);
 }
 
-/// All addresses of the host, of both families, in the order in which the resolver gives them.
-asio::ip::tcp::resolver::results_type Resolve(const Endpoint& endpoint) {
-  asio::io_context context(1);
-  asio::ip::tcp::resolver resolver(context);
-  boost::system::error_code error;
-  auto addresses = resolver.resolve(endpoint.host, "", asio::ip::resolver_base::flags(), error);
-  if (error || addresses.empty()) throw InvalidLocatorException(Locator(endpoint));
-  return addresses;
+std::vector<asio::ip::tcp::endpoint> AddressesOf(const Endpoint& endpoint, std::uint32_t timeout) {
+  std::vector<asio::ip::tcp::endpoint> addresses;
+  switch (Resolve(endpoint.host, Deadline::After(timeout), addresses)) {
+    case ResolveStatus::kOk:
+      return addresses;
+    case ResolveStatus::kUnknownHost:
+      throw InvalidLocatorException(Locator(endpoint));
+    case ResolveStatus::kTimeout:
+      break;
+  }
+  ThrowCannotConnect(endpoint);
 }
 
 std::unique_ptr<TcpStream> ConnectTcp(const Endpoint& endpoint, std::uint32_t timeout) {
-  const auto addresses = Resolve(endpoint);
+  std::vector<asio::ip::tcp::endpoint> addresses = AddressesOf(endpoint, timeout);
   if (endpoint.port == 0 || endpoint.port > std::numeric_limits<std::uint16_t>::max()) ThrowCannotConnect(endpoint);
-  for (const auto& address : addresses) {
+  for (asio::ip::tcp::endpoint& address : addresses) {
     auto stream = std::make_unique<TcpStream>();
-    asio::ip::tcp::endpoint target = address.endpoint();
-    target.port(static_cast<std::uint16_t>(endpoint.port));
-    if (stream->Connect(target, Deadline::After(timeout)) == IoStatus::kOk) return stream;
+    address.port(static_cast<std::uint16_t>(endpoint.port));
+    if (stream->Connect(address, Deadline::After(timeout)) == IoStatus::kOk) return stream;
   }
   ThrowCannotConnect(endpoint);
 }

@@ -40,7 +40,8 @@ struct Endpoint {
 };
 
 /// Connects to the addresses of `endpoint` in turn until one accepts, and makes the TLS handshake when `tls` is given.
-/// @param timeout milliseconds for each address, and for each wait of the handshake
+/// @param timeout milliseconds for looking up the host's addresses, for each address, and for each wait of the
+/// handshake
 /// @throws InvalidLocatorException, CannotConnectException, SSLException
 std::unique_ptr<Stream> OpenStream(const Endpoint& endpoint, const SSLContext* tls, std::uint32_t timeout);
 

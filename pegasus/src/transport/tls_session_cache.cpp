@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "transport/limits.h"
+#include "base/limits.h"
 #include "transport/text.h"
 
 namespace Pegasus::transport {

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "transport/limits.h"
+#include "base/limits.h"
 
 namespace Pegasus::transport {
 

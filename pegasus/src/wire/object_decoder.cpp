@@ -6,14 +6,13 @@
 #include <utility>
 
 #include "Pegasus/Common/Exception.h"
+#include "base/limits.h"
 #include "objects/bodies.h"
 #include "wire/scalar_text.h"
 
 namespace Pegasus::wire {
 namespace {
 
-/// How many qualifiers one element and how many parameters and methods one class or method may have.
-constexpr std::size_t kMaxMembers = 4096;
 /// For how many properties room is made ahead; bounds what a small instance behind a large one can take.
 constexpr Uint32 kMaxReserved = 32;
 /// How many forms of properties are kept; bounds what a large object can take beside its properties.
@@ -204,7 +203,7 @@ CIMClass ObjectDecoder::ReadClass() {
   ReadProperties(objects::RequireBody(cimClass).properties, false);
   try {
     while (reader_.AtStart("METHOD")) {
-      if (cimClass.getMethodCount() == kMaxMembers) reader_.FailValidation("too many METHOD elements");
+      if (cimClass.getMethodCount() == limits::kMembers) reader_.FailValidation("too many METHOD elements");
       cimClass.addMethod(ReadMethod());
     }
   } catch (const AlreadyExistsException&) {
@@ -228,7 +227,7 @@ CIMMethod ObjectDecoder::ReadMethod() {
   AddQualifiers(method, ReadQualifiers());
   try {
     while (ReadParameter(method)) {
-      if (method.getParameterCount() == kMaxMembers) reader_.FailValidation("too many PARAMETER elements");
+      if (method.getParameterCount() == limits::kMembers) reader_.FailValidation("too many PARAMETER elements");
     }
   } catch (const AlreadyExistsException&) {
     reader_.FailSemantic("duplicate parameter");
@@ -271,7 +270,7 @@ bool ObjectDecoder::ReadParameter(CIMMethod& method) {
 std::vector<CIMQualifier> ObjectDecoder::ReadQualifiers() {
   std::vector<CIMQualifier> qualifiers;
   while (reader_.AtStart("QUALIFIER")) {
-    if (qualifiers.size() == kMaxMembers) reader_.FailValidation("too many QUALIFIER elements");
+    if (qualifiers.size() == limits::kMembers) reader_.FailValidation("too many QUALIFIER elements");
     qualifiers.push_back(ReadQualifier());
   }
   return qualifiers;

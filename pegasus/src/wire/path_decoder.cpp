@@ -6,16 +6,13 @@
 #include <string>
 #include <utility>
 
+#include "base/limits.h"
 #include "objects/internal.h"
 #include "wire/scalar_text.h"
 
 namespace Pegasus::wire {
 namespace {
 
-/// How deep references may stand inside the keys of references. Each level doubles the backslashes of the path's text.
-constexpr unsigned kMaxReferenceNesting = 6;
-/// How many keys one instance name may have.
-constexpr Uint32 kMaxKeys = 1024;
 /// For how many keys room is made ahead; bounds what a small name behind a large one can take.
 constexpr Uint32 kMaxReservedKeys = 8;
 
@@ -62,7 +59,7 @@ CIMObjectPath PathDecoder::ReadInstanceName() {
     keys.append(ReadKeyValue(CIMName()));
   } else {
     while (reader_.AtStart("KEYBINDING")) {
-      if (keys.size() == kMaxKeys) reader_.FailValidation("too many KEYBINDING elements");
+      if (keys.size() == limits::kKeys) reader_.FailValidation("too many KEYBINDING elements");
       keys.append(ReadKeyBinding());
     }
   }
@@ -75,7 +72,7 @@ CIMKeyBinding PathDecoder::ReadKeyBinding() {
   CIMName name = NeedName("KEYBINDING", "NAME");
   reader_.Next();
   if (reader_.AtStart("VALUE.REFERENCE")) {
-    if (referenceNesting_ == kMaxReferenceNesting) reader_.FailValidation("references are nested too deeply");
+    if (referenceNesting_ == limits::kReferenceNesting) reader_.FailValidation("references are nested too deeply");
     ++referenceNesting_;
     String text = ReadReference().toString();
     --referenceNesting_;

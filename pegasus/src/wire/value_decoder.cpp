@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Pegasus/Common/Exception.h"
+#include "base/limits.h"
 #include "objects/value_content.h"
 #include "wire/object_decoder.h"
 #include "wire/scalar_text.h"
@@ -12,8 +13,6 @@
 namespace Pegasus::wire {
 namespace {
 
-/// How deep embedded objects may stand inside embedded objects.
-constexpr unsigned kMaxEmbedding = 16;
 /// For how many elements of an array room is made ahead.
 constexpr Uint32 kReservedItems = 2;
 
@@ -125,7 +124,7 @@ CIMValue ObjectDecoder::ParseScalar(CIMType type, std::string_view text) {
 }
 
 CIMObject ObjectDecoder::ParseEmbedded(Embedded embedded, std::string_view text) const {
-  if (embeddingDepth_ == kMaxEmbedding) reader_.FailSemantic("embedded objects are nested too deeply");
+  if (embeddingDepth_ == limits::kEmbedding) reader_.FailSemantic("embedded objects are nested too deeply");
   XmlReader reader{std::string(text)};
   ObjectDecoder decoder(reader, pool_, embeddingDepth_ + 1);
   if (embedded == Embedded::kObject && reader.AtStart("CLASS")) return CIMObject(decoder.ReadClass());

@@ -8,6 +8,7 @@
 
 #include "Pegasus/Client/CIMClientException.h"
 #include "Pegasus/Common/String.h"
+#include "base/limits.h"
 
 namespace Pegasus::wire {
 namespace {
@@ -198,7 +199,7 @@ void XmlScanner::ScanStart() {
 }
 
 void XmlScanner::Open(std::string_view name) {
-  if (open_.size() == kMaxElementNesting) {
+  if (open_.size() == limits::kElementNesting) {
     Fail(XmlError::kValidation, cursor_, "elements are nested too deeply");
   }
   open_.push_back(name);

@@ -10,9 +10,6 @@
 
 namespace Pegasus::wire {
 
-/// How deep elements may be nested. CIM-XML needs about twenty levels; the limit bounds the decoders' recursion.
-inline constexpr std::size_t kMaxElementNesting = 200;
-
 /// What is wrong with a text. The names appear in the messages of CIMClientXmlException.
 enum class XmlError {
   kBadOpeningElement,

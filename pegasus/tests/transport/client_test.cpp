@@ -6,12 +6,12 @@
 #include <chrono>
 #include <string>
 
+#include "base/limits.h"
 #include "testing/raw_server.h"
 #include "testing/scoped_environment.h"
 #include "thrown.h"
 #include "transport/certificates.h"
 #include "transport/http_response.h"
-#include "transport/limits.h"
 
 namespace Pegasus {
 namespace {
@@ -209,7 +209,6 @@ TEST(ResponseReader, TakesBytesOneByOne) {
 }
 
 TEST(ResponseReader, RefusesTooManyHeadersAndTooLongHeads) {
-  namespace limits = transport::limits;
   std::string many = "HTTP/1.1 200 OK\r\n";
   for (std::size_t i = 0; i <= limits::kHeaders; ++i) many += "A: b\r\n";
   const Thrown malformed{"CIMClientMalformedHTTPException", "Malformed HTTP response message."};
