@@ -202,6 +202,11 @@ class RawServer::Peer {
     }
   }
 
+  /// Makes what is written until HalfClose() leave together with it, so that no reader sees one without the other.
+  void HoldBack() const {
+    const int on = 1;
+    ::setsockopt(socket_, IPPROTO_TCP, TCP_CORK, &on, sizeof(on));
+  }
   void HalfClose() const { ::shutdown(socket_, SHUT_WR); }
 
   void SayGoodbye() {
@@ -402,6 +407,12 @@ bool RawServer::PlayOne(Peer& peer, const RawAction& action, const std::string& 
       while (peer.WriteTicket()) {
       }
       return false;
+    case RawAction::Kind::kSendLast: {
+      peer.HoldBack();
+      const bool sent = peer.Write(WithMessageId(action.bytes, messageId));
+      peer.HalfClose();
+      return sent;
+    }
     case RawAction::Kind::kHalfClose:
       peer.HalfClose();
       return true;

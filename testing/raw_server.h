@@ -25,6 +25,7 @@ struct RawAction {
     kCloseTls,    ///< closes the connection, saying goodbye first when it is a TLS connection
     kFlood,       ///< sends `bytes` over and over until the client closes or the server is stopped
     kTickets,     ///< sends TLS 1.3 session tickets in the same manner
+    kSendLast,    ///< sends `bytes` and the end of what the server sends, in one piece on a plain connection
     kHalfClose,   ///< ends what the server sends, but goes on receiving
     kReset,       ///< closes the connection with a TCP reset
     kAwait,       ///< waits until bytes of the client are there to be read, or until the server is stopped
@@ -40,6 +41,7 @@ struct RawAction {
   static RawAction Send(std::string bytes) { return {Kind::kSend, std::move(bytes), {}}; }
   static RawAction Flood(std::string bytes) { return {Kind::kFlood, std::move(bytes), {}}; }
   static RawAction Tickets() { return {Kind::kTickets, {}, {}}; }
+  static RawAction SendLast(std::string bytes) { return {Kind::kSendLast, std::move(bytes), {}}; }
   static RawAction HalfClose() { return {Kind::kHalfClose, {}, {}}; }
   static RawAction Close() { return {Kind::kClose, {}, {}}; }
   static RawAction CloseTls() { return {Kind::kCloseTls, {}, {}}; }

@@ -74,7 +74,7 @@ const std::vector<Row>& ConnectionRows() {
        BadXml(),
        Next::kNewConnection},
       {"HalfClosesBehindTheAnswer",
-       {{RawAction::Send(Answer(kEmptyResult)), RawAction::HalfClose()}},
+       {{RawAction::SendLast(Answer(kEmptyResult))}},
        Nothing(),
        Next::kNewConnection},
       {"ResetsInsideTheStatusLine", {SendsThenResets("HTTP/1.")}, Malformed(), Next::kNewConnection},

@@ -35,7 +35,7 @@ inline constexpr Uint32 kLong = 20000;
 /// The bounds of a row.
 struct RowLimits {
   /// Far more than any row needs, even where every wait takes its full time-out on a busy machine.
-  std::chrono::milliseconds time{15000};
+  std::chrono::milliseconds time{120000};
   /// What the client's own objects may take at a time.
   std::size_t heapBytes = std::size_t{8} * 1024 * 1024;
   /// By how much the whole process may grow, the test's server and the allocator's reserves included.

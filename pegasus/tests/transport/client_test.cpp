@@ -67,7 +67,7 @@ Boolean Describe(SSLCertificateInfo& info) {
 Thrown SendIntoReset(bool tls) {
   RawServerOptions options;
   if (tls) options.certificate = test::MakeCmmCertificate();
-  options.onConnect = {RawAction::Sleep(std::chrono::milliseconds(200)), RawAction::Reset()};
+  options.onConnect = {RawAction::Await(), RawAction::Reset()};
   const RawServer server(options);
   CIMClient client;
   if (tls) {
