@@ -134,7 +134,7 @@ ObjectPath Installation::Begin(ObjectStore& store, const Kind& kind, const Objec
   const bool isBusy = IsBusy(target);
   const std::string name = TextOf(store.Get(target), "Name").empty() ? TextOf(store.Get(target), "DeviceID")
                                                                      : TextOf(store.Get(target), "Name");
-  ObjectPath job = jobs_.Create(store, kind.jobClass, kind.name, name, isBusy ? kBusy : kind.newText);
+  ObjectPath job = jobs_.Create(store, kind.jobClass, name, isBusy ? kBusy : kind.newText);
   if (isBusy) {
     jobs_.Enter(store, job, JobState::kTerminated, kBusy);
     return job;

@@ -1,7 +1,11 @@
 // A job is active from its creation until it ends or vanishes; its instance stays readable for a while after its end.
 #include "behaviour/job_engine.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
+
+#include "behaviour/states.h"
 
 namespace Orvane::simulator {
 
@@ -13,10 +17,10 @@ std::string IdOf(const ObjectPath& job) { return job.keys.at("InstanceID").text;
 
 }  // namespace
 
-ObjectPath JobEngine::Create(ObjectStore& store, const std::string& className, const std::string& targetKind,
-                             const std::string& target, const std::string& text) {
+ObjectPath JobEngine::Create(ObjectStore& store, const std::string& className, const std::string& target,
+                             const std::string& text) {
   Job job;
-  job.moment = {"JOB_" + std::to_string(++last_), last_, targetKind, target, JobState::kNew};
+  job.moment = {FreeId(store), JobState::kNew};
   job.path = store.Add(className, {{"InstanceID", Value::Text(job.moment.id)},
                                    {"Name", Value::Text(job.moment.id)},
                                    {"ElementName", Value::Text("Firmware update of " + target)},
@@ -25,6 +29,17 @@ ObjectPath JobEngine::Create(ObjectStore& store, const std::string& className, c
   active_.emplace(job.moment.id, std::move(job));
   Enter(store, path, JobState::kNew, text);
   return path;
+}
+
+// A model may hold jobs of its own.
+std::string JobEngine::FreeId(const ObjectStore& store) {
+  const std::vector<const Instance*> jobs = store.Enumerate("CIM_ConcreteJob");
+  std::string id;
+  const auto hasId = [&id](const Instance* job) { return TextOf(*job, "InstanceID") == id; };
+  do {
+    id = "JOB_" + std::to_string(++last_);
+  } while (std::any_of(jobs.begin(), jobs.end(), hasId));
+  return id;
 }
 
 bool JobEngine::Enter(ObjectStore& store, const ObjectPath& job, JobState state, const std::string& text) {

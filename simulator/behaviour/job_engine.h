@@ -29,12 +29,6 @@ struct JobOverride {
 /// A state that a job is about to enter.
 struct JobMoment {
   std::string id;
-  /// 1 for the first job since the start of the simulator.
-  unsigned number = 0;
-  /// "cmm", "switch" or "passthru"
-  std::string targetKind;
-  /// Name of the target, "iomodule03" for instance.
-  std::string target;
   JobState entering = JobState::kNew;
 };
 
@@ -55,10 +49,11 @@ class JobEngine {
 
   /// Creates a job in state New.
   /// @param className  CIM_ConcreteJob or a subclass
+  /// @param target     name of its target, "iomodule03" for instance
   /// @param text       its ErrorDescription
   /// @return the path of its instance, also when a fault made it vanish at once
-  ObjectPath Create(ObjectStore& store, const std::string& className, const std::string& targetKind,
-                    const std::string& target, const std::string& text);
+  ObjectPath Create(ObjectStore& store, const std::string& className, const std::string& target,
+                    const std::string& text);
 
   /// Lets a job enter a state with a text. Without effect on a job that has ended, is stuck or vanished.
   /// @return whether the job is in that state now
@@ -78,6 +73,7 @@ class JobEngine {
   void FailWith(const std::string& id, const std::string& text) { Override(id, {JobOverride::Kind::kFailWith, text}); }
 
  private:
+  std::string FreeId(const ObjectStore& store);
   struct Job {
     ObjectPath path;
     JobMoment moment;

@@ -102,7 +102,13 @@ void RequireKnownMembers(const Json& document) {
 }  // namespace
 
 Package ReadPackage(const std::string& document) {
-  const Json json = Json::parse(document, nullptr, false);
+  // Nothing in a package is nested, so that a hostile one cannot become many times its size in memory.
+  const auto refuseNested = [](int depth, Json::parse_event_t event, const Json&) {
+    const bool begins = event == Json::parse_event_t::array_start || event == Json::parse_event_t::object_start;
+    if (begins && depth > 0) Fail("the package holds a value that is neither text nor number");
+    return true;
+  };
+  const Json json = Json::parse(document, refuseNested, false);
   if (!json.is_object() || !json.contains("orvane_package")) Fail("this is no firmware package");
   if (json.at("orvane_package") != 1) Fail("the package has an unknown format");
   RequireKnownMembers(json);
@@ -119,6 +125,10 @@ Package ReadPackage(const std::string& document) {
   package.version = RequireText(json, "version");
   if (package.version.empty() || package.version.size() > kLongestVersion) {
     Fail("the version of the package is empty or too long");
+  }
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; };
+  if (std::any_of(package.version.begin(), package.version.end(), isControl)) {
+    Fail("the version of the package holds control characters");
   }
   const auto [major, minor, revision] = NumbersOf(package.version);
   package.major = Number(json, "major", major);

@@ -39,6 +39,9 @@ using ErrorCode = boost::system::error_code;
 using PlainStream = beast::tcp_stream;
 using TlsStream = beast::ssl_stream<beast::tcp_stream>;
 
+// Of the head of an answer, and of the notes in a chunked body.
+constexpr std::size_t kBufferLimit = 128 * 1024;
+
 constexpr const char* kNoHost = "Firmware download operation failed: failed to contact host";
 constexpr const char* kNoFile = "Firmware download operation failed: file does not exist";
 constexpr const char* kTooSlow = "Firmware download operation failed: timeout";
@@ -226,7 +229,7 @@ class HttpDownload : public Download, public std::enable_shared_from_this<HttpDo
   const FetchLimits limits_;
   std::function<void(FetchResult)> done_;
   http::request<http::empty_body> request_;
-  beast::flat_buffer buffer_;
+  beast::flat_buffer buffer_{kBufferLimit};
   http::response_parser<http::string_body> parser_;
 };
 

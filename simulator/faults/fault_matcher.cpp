@@ -24,7 +24,7 @@ bool CircumstancesFit(const Circumstances& when, const Moment& moment) {
 // Every operation has at most one parameter that names a class.
 std::string ClassOf(const Parameter& parameter) {
   if (parameter.path) return parameter.path->className;
-  if (parameter.instance) return parameter.instance->first.className;
+  if (parameter.instance) return parameter.instance->path.className;
   return parameter.className.value_or("");
 }
 

@@ -5,7 +5,7 @@
 
 namespace Orvane::simulator {
 
-/// @throws ModelError naming the file when it cannot be read or holds no text
+/// @throws ModelError naming the file when it cannot be read, holds no text or more than 64 MiB
 std::string ReadDocumentFile(const std::string& path);
 
 }  // namespace Orvane::simulator

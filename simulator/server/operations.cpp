@@ -63,16 +63,22 @@ class Parameters {
     return *found->text;
   }
 
-  const ObjectPath& Path(const char* name) const {
+  const ObjectPath& InstanceName(const char* name) const {
+    const Parameter* const found = Find(name);
+    if (found == nullptr || !found->path) InvalidParameter(Quoted(name) + " is missing or no path of an instance");
+    return *found->path;
+  }
+
+  // Of an operation that also has a meaning for classes.
+  const ObjectPath& ObjectName(const char* name) const {
     const Parameter* const found = Find(name);
     if (found != nullptr && found->className) {
       throw CimError(CimStatus::kNotSupported, request_.name + " is supported for instances only, not for classes");
     }
-    if (found == nullptr || !found->path) InvalidParameter(Quoted(name) + " is missing");
-    return *found->path;
+    return InstanceName(name);
   }
 
-  const std::pair<ObjectPath, std::vector<SentProperty>>& NamedInstance(const char* name) const {
+  const SentInstance& NamedInstance(const char* name) const {
     const Parameter* const found = Find(name);
     if (found == nullptr || !found->instance) InvalidParameter(Quoted(name) + " is missing");
     return *found->instance;
@@ -131,7 +137,7 @@ void EnumerateInstanceNames(std::string& out, const Request& request, const Cont
 void GetInstance(std::string& out, const Request& request, const Context& context) {
   const Parameters parameters(request,
                               {"InstanceName", "LocalOnly", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"});
-  AppendInstance(out, context.store.Get(parameters.Path("InstanceName")), parameters.Properties());
+  AppendInstance(out, context.store.Get(parameters.InstanceName("InstanceName")), parameters.Properties());
 }
 
 void GetClass(std::string& out, const Request& request, const Context& /*context*/) {
@@ -152,7 +158,8 @@ std::vector<const Instance*> FindAssociators(const Parameters& parameters, const
   const std::string resultClass = parameters.ClassName("ResultClass");
   const std::string role = parameters.Text("Role");
   const std::string resultRole = parameters.Text("ResultRole");
-  return context.store.Associators(parameters.Path("ObjectName"), {associationClass, resultClass, role, resultRole});
+  return context.store.Associators(parameters.ObjectName("ObjectName"),
+                                   {associationClass, resultClass, role, resultRole});
 }
 
 void Associators(std::string& out, const Request& request, const Context& context) {
@@ -193,8 +200,11 @@ void CheckSentType(const ClassDeclaration& declaration, const SentProperty& sent
 // @return the path of the instance
 ObjectPath ModifyInstance(const Request& request, ObjectStore& store) {
   const Parameters parameters(request, {"ModifiedInstance", "IncludeQualifiers", "PropertyList"});
-  const auto& [path, sent] = parameters.NamedInstance("ModifiedInstance");
+  const auto& [path, className, sent] = parameters.NamedInstance("ModifiedInstance");
   const ClassDeclaration& declaration = *store.Get(path).declaration;
+  if (!EqualNames(className, path.className)) {
+    InvalidParameter("The instance is of the class " + Quoted(className) + ", its path of " + Quoted(path.className));
+  }
   const auto list = parameters.List("PropertyList");
   ObjectStore::NamedValues values;
   for (const SentProperty& property : sent) {

@@ -90,6 +90,8 @@ struct Service {
 };
 
 constexpr std::uint32_t kHeaderLimit = 64 * 1024;
+// What is held of a request beside its body: a head, or the notes in a chunked body, none of which may be longer.
+constexpr std::size_t kBufferLimit = 2 * kHeaderLimit;
 constexpr std::uint64_t kBodyLimit = 8 * 1024 * 1024;
 constexpr auto kIdleLimit = std::chrono::seconds(120);
 constexpr auto kDiscardLimit = std::chrono::seconds(5);
@@ -309,7 +311,7 @@ class Session : public Connection, public std::enable_shared_from_this<Session<S
 
   Stream stream_;
   Service& service_;
-  beast::flat_buffer buffer_;
+  beast::flat_buffer buffer_{kBufferLimit};
   std::optional<http::request_parser<http::string_body>> parser_;
   http::response<http::string_body> response_;
   bool keepAlive_ = true;

@@ -168,7 +168,7 @@ TEST(FactsOfARequest, NameTheClassWhereverItStands) {
 
   request = {};
   request.name = "ModifyInstance";
-  request.parameters["ModifiedInstance"].instance = std::pair(ObjectPath{"D", {}}, std::vector<SentProperty>());
+  request.parameters["ModifiedInstance"].instance = SentInstance{{"D", {}}, "D", {}};
   EXPECT_EQ(FactsOf(request).className, "D");
 
   request = {};

@@ -128,6 +128,35 @@ TEST_F(CimOverHttp, AbsentInstanceIs6) {
   EXPECT_THAT(Modify("", "cmm09"), HasSubstr("<ERROR CODE=\"6\""));
 }
 
+TEST_F(CimOverHttp, AClassInPlaceOfAnInstanceIs4WhereOnlyInstancesAreMeantAnd7WhereClassesAreNotSupported) {
+  EXPECT_THAT(Call("GetInstance", Parameter("InstanceName", ClassName("CIM_Chassis"))), HasSubstr("<ERROR CODE=\"4\""));
+  EXPECT_THAT(Call("Associators", Parameter("ObjectName", ClassName("CIM_Chassis"))), HasSubstr("<ERROR CODE=\"7\""));
+}
+
+TEST_F(CimOverHttp, AnInstanceOfAnotherClassThanItsPathIs4) {
+  EXPECT_THAT(
+      Call("ModifyInstance",
+           Parameter("ModifiedInstance", "<VALUE.NAMEDINSTANCE>" + Name("VORTA_CMMComputerSystem", "Name", "cmm01") +
+                                             "<INSTANCE CLASSNAME=\"CIM_Chassis\"/></VALUE.NAMEDINSTANCE>")),
+      HasSubstr("<ERROR CODE=\"4\""));
+  EXPECT_THAT(
+      Call("ModifyInstance",
+           Parameter("ModifiedInstance", "<VALUE.NAMEDINSTANCE>" + Name("VORTA_CMMComputerSystem", "Name", "cmm01") +
+                                             "<INSTANCE CLASSNAME=\"vorta_cmmcomputersystem\"/>"
+                                             "</VALUE.NAMEDINSTANCE>")),
+      testing::Not(HasSubstr("ERROR")));
+}
+
+TEST_F(CimOverHttp, TakesEveryCharacterInEveryWayOfWritingIt) {
+  EXPECT_THAT(Modify("<!-- & --><PROPERTY NAME=\"ElementName\" TYPE=\"string\"><VALUE>"
+                     "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80&#233;&#x20ac;&#x1F600;&lt;&amp;&gt;&quot;&apos;&#1;"
+                     "<![CDATA[&x;]]></VALUE></PROPERTY>"),
+              testing::Not(HasSubstr("ERROR")));
+  EXPECT_THAT(Call("GetInstance", Parameter("InstanceName", Name("VORTA_CMMComputerSystem", "Name", "cmm01"))),
+              HasSubstr("<VALUE>\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"
+                        "&lt;&amp;&gt;&quot;&apos;&#1;&amp;x;</VALUE>"));
+}
+
 TEST_F(CimOverHttp, UnknownOperationIs7) { EXPECT_THAT(Call("ExecQuery", ""), HasSubstr("<ERROR CODE=\"7\"")); }
 
 TEST_F(CimOverHttp, ModifiesAnInstance) {

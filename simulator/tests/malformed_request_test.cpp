@@ -18,6 +18,7 @@ using tests::PlainClient;
 
 constexpr std::size_t kNested = 100000;
 constexpr std::size_t kNineMegabytes = 9U * 1024 * 1024;
+constexpr std::size_t kMegabyte = 1024UL * 1024;
 constexpr const char* kStart =
     "<?xml version=\"1.0\"?><CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"7\" PROTOCOLVERSION=\"1.0\">"
     "<SIMPLEREQ><IMETHODCALL NAME=\"EnumerateInstanceNames\"><LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/>"
@@ -41,10 +42,11 @@ std::string WithBody(const std::string& body) {
   return Headers("Content-Length: " + std::to_string(body.size()) + "\r\n") + body;
 }
 
-std::string GoodRequest() {
-  return WithBody(std::string(kStart) +
-                  R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME="CIM_Chassis"/></IPARAMVALUE>)" + kEnd);
+std::string ClassNamed(const std::string& name) {
+  return R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME=")" + name + R"("/></IPARAMVALUE>)";
 }
+
+std::string GoodRequest() { return WithBody(kStart + ClassNamed("CIM_Chassis") + kEnd); }
 
 std::string EntityBomb() {
   std::string text = "<?xml version=\"1.0\"?><!DOCTYPE CIM [<!ENTITY e0 \"lol\">";
@@ -95,6 +97,26 @@ const Malformed kMalformed[] = {
     {"TruncatedXml", [] { return WithBody(kStart); }, "HTTP/1.1 400"},
     {"BodyOfZeros", [] { return WithBody(std::string(1000, '\0')); }, "HTTP/1.1 400"},
     {"BrokenUtf8Only", [] { return WithBody("\xFF\xFE\x80\xC0"); }, "HTTP/1.1 400"},
+    {"BrokenUtf8InAName", [] { return WithBody(kStart + ClassNamed("CIM_\xFF") + kEnd); }, "HTTP/1.1 400"},
+    {"OverlongUtf8", [] { return WithBody(kStart + ClassNamed("CIM_\xC0\xAF") + kEnd); }, "HTTP/1.1 400"},
+    {"SurrogateInUtf8", [] { return WithBody(kStart + ClassNamed("CIM_\xED\xA0\x80") + kEnd); }, "HTTP/1.1 400"},
+    {"TruncatedUtf8", [] { return WithBody(kStart + ClassNamed("CIM_Chassis") + kEnd + "\xE2\x82"); }, "HTTP/1.1 400"},
+    {"ControlCharacter", [] { return WithBody(kStart + ClassNamed("CIM_\x01") + kEnd); }, "HTTP/1.1 400"},
+    {"ReferenceToNul", [] { return WithBody(kStart + ClassNamed("CIM_Chassis&#0;") + kEnd); }, "HTTP/1.1 400"},
+    {"ReferenceToASurrogate", [] { return WithBody(kStart + ClassNamed("&#xD800;") + kEnd); }, "HTTP/1.1 400"},
+    {"ReferenceBeyondUnicode", [] { return WithBody(kStart + ClassNamed("&#x110000;") + kEnd); }, "HTTP/1.1 400"},
+    {"ReferenceToNoNumber", [] { return WithBody(kStart + ClassNamed("&#;") + kEnd); }, "HTTP/1.1 400"},
+    {"UnknownEntity", [] { return WithBody(kStart + ClassNamed("&chassis;") + kEnd); }, "HTTP/1.1 400"},
+    {"BareAmpersand", [] { return WithBody(kStart + ClassNamed("CIM&Chassis") + kEnd); }, "HTTP/1.1 400"},
+    {"UnendedReference", [] { return WithBody(kStart + ClassNamed("CIM&amp") + kEnd); }, "HTTP/1.1 400"},
+    {"TwinAttribute", [] { return WithBody(kStart + ClassNamed("CIM_Chassis\" NAME=\"CIM_Slot") + kEnd); },
+     "HTTP/1.1 400"},
+    {"ChunkNoteWithoutEnd",
+     [] { return Headers("Transfer-Encoding: chunked\r\n") + "1;note=" + std::string(kMegabyte, 'x'); },
+     "HTTP/1.1 400"},
+    {"TrailersWithoutEnd",
+     [] { return Headers("Transfer-Encoding: chunked\r\n") + "1\r\nx\r\n0\r\n" + Repeat("A: b\r\n", 100000); },
+     "HTTP/1.1 400"},
     {"NestedElements", [] { return WithBody(Repeat("<a>", kNested) + Repeat("</a>", kNested)); }, "HTTP/1.1 400"},
     {"NestedElementsNeverEnded", [] { return WithBody(Repeat("<a>", kNested)); }, "HTTP/1.1 400"},
     {"NestedReferences",

@@ -171,6 +171,15 @@ TEST(LoadModel, NamesADirectory) {
   }
 }
 
+TEST(LoadModel, EndsAtADeviceThatDoesNot) {
+  try {
+    LoadModel("/dev/zero");
+    FAIL() << "a device was read";
+  } catch (const ModelError& error) {
+    EXPECT_STREQ(error.what(), "/dev/zero: is larger than 67108864 bytes");
+  }
+}
+
 TEST(ExtraInstances, RefuseAValueOfAnyDepth) {
   constexpr std::size_t kDepth = 200000;
   const std::string text =

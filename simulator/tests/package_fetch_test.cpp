@@ -165,6 +165,18 @@ TEST_F(LimitedFetch, GivesUpATooLargePackage) {
   EXPECT_EQ(End(file.Uri()), text);
 }
 
+TEST_F(LimitedFetch, GivesUpAHostThatNeverEnds) {
+  constexpr const char* kText = "10 DCSS_RC_RECV_FAIL: the connection was lost during the download";
+  const std::string megabyte(1024UL * 1024, 'x');
+  std::string package = MakePackage("switch", "7.3");
+  const std::string note = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1;note=" + megabyte + "\r\n" +
+                           package.substr(0, 1) + "\r\n";
+  for (const std::string& answer : {note, "HTTP/1.1 200 OK\r\nX: " + megabyte, "HTTP/1.1 200 " + megabyte}) {
+    const PackageServer server(PackageServer::Kind::kHttp, answer);
+    EXPECT_EQ(End(server.Uri()), kText) << answer.substr(0, 60);
+  }
+}
+
 TEST_F(LimitedFetch, TakesAPackageOfTheLargestSize) {
   std::string body = MakePackage("switch", "7.3");
   body.append(kSizeLimit - body.size(), ' ');
@@ -215,6 +227,11 @@ TEST_F(PackageFetch, SaysWhatIsWrongWithAPackage) {
       {with("\"version\":\"7.3\",", ""), "the package has no member \"version\""},
       {with("\"7.3\"", "\"\""), "the version of the package is empty or too long"},
       {with("\"7.3\"", "\"" + std::string(65, '7') + "\""), "the version of the package is empty or too long"},
+      {with("\"7.3\"", R"("7\u00003")"), "the version of the package holds control characters"},
+      {with("\"7.3\"", R"("7\n3")"), "the version of the package holds control characters"},
+      {MakePackage("switch", "7.3", ",\"build\":" + std::string(100000, '[')),
+       "the package holds a value that is neither text nor number"},
+      {MakePackage("switch", "7.3", R"(,"build":{})"), "the package holds a value that is neither text nor number"},
       {MakePackage("switch", "7.3", R"(,"image":"other")"), "the package holds an unknown image"},
       {MakePackage("switch", "7.3", R"(,"build":65536)"),
        "the member \"build\" of the package is no number from 0 to 65535"},

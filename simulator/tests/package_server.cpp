@@ -108,7 +108,9 @@ class PackageServer::Impl {
     }
     std::string request;
     std::array<char, 4096> block{};
-    while (request.find("\r\n\r\n") == std::string::npos) {
+    // The greeting of TLS, which is no HTTP, has no end to wait for.
+    const auto isTls = [&request] { return !request.empty() && request.front() == '\x16'; };
+    while (request.find("\r\n\r\n") == std::string::npos && !isTls()) {
       const ssize_t count = tls ? SSL_read(tls.get(), block.data(), static_cast<int>(block.size()))
                                 : ::recv(socket, block.data(), block.size(), 0);
       if (count <= 0) break;

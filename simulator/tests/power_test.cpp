@@ -317,7 +317,9 @@ class OddChassis : public LivingChassis {
           "switches":[{"bay":1,"postStatus":16,"postStatusDescription":"Module failed POST.","installAs":"next",
             "firmware":[{"id":"a","versionString":"1","status":[2]},{"id":"b","versionString":"0","status":[4]}]},
             {"bay":2}],
-          "nodes":[{"bay":1,"powerStates":[2,5]}]})")) {}
+          "nodes":[{"bay":1,"powerStates":[2,5]}],
+          "extraInstances":[{"class":"VORTA_FirmwareInstallationJob","properties":{"InstanceID":"JOB_1","JobState":7}},
+            {"class":"CIM_ConcreteJob","properties":{"InstanceID":"JOB_2"}}]})")) {}
 };
 
 TEST_F(OddChassis, OffersTheStatesOfTheModel) {
@@ -337,6 +339,16 @@ TEST_F(OddChassis, OffersTheStatesOfTheModel) {
   EXPECT_EQ(requestPower("8"), "4097");
   EXPECT_EQ(requestPower("2"), "0");
   EXPECT_EQ(Client().Enumerate("CIM_AssociatedPowerManagementService").at(0)["AvailableRequestedPowerStates"], "2 5");
+}
+
+TEST_F(OddChassis, GivesItsJobsOtherNamesThanTheModel) {
+  const TemporaryFile package(MakePackage("switch", "2"));
+  const CimOutcome outcome = Install(Switch(1), package.Uri());
+  EXPECT_EQ(outcome.returnValue, "4096");
+  EXPECT_EQ(outcome.job, "JOB_3");
+  Pass(7);
+  EXPECT_EQ(Job("JOB_3"), "7 Flash Completed with no apparent errors");
+  EXPECT_EQ(Job("JOB_1"), "7 ");
 }
 
 TEST_F(OddChassis, KeepsAFailedSelfTest) {

@@ -35,14 +35,21 @@ struct SentProperty {
   Value value;
 };
 
+/// A VALUE.NAMEDINSTANCE.
+struct SentInstance {
+  ObjectPath path;
+  /// Of the instance itself, which the path names as well.
+  std::string className;
+  std::vector<SentProperty> properties;
+};
+
 /// A parameter of an intrinsic operation; the members that fit what was sent are set, none for a NULL.
 struct Parameter {
   std::optional<std::string> text;
   std::optional<std::vector<std::string>> texts;
   std::optional<std::string> className;
   std::optional<ObjectPath> path;
-  /// Path and properties of a VALUE.NAMEDINSTANCE.
-  std::optional<std::pair<ObjectPath, std::vector<SentProperty>>> instance;
+  std::optional<SentInstance> instance;
 };
 
 /// A parameter of an extrinsic method.

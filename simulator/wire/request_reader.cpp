@@ -1,10 +1,12 @@
-// Reads requests strictly: an element or attribute that the DTD does not have in its place makes the request invalid.
+// Reads requests strictly: an element that the DTD does not have in its place makes the request invalid.
 #include <algorithm>
 #include <memory>
 #include <pugixml.hpp>
+#include <set>
 #include <string_view>
 
 #include "wire/request.h"
+#include "wire/well_formed.h"
 
 namespace Orvane::simulator {
 
@@ -17,6 +19,27 @@ constexpr int kNotImplemented = 501;
 constexpr int kDeepestNesting = 32;
 
 [[noreturn]] void Invalid(const std::string& reason) { throw BadRequest(kBadRequest, "request-not-valid", reason); }
+
+[[noreturn]] void NotWellFormed(const std::string& reason) {
+  throw BadRequest(kBadRequest, "request-not-well-formed", reason);
+}
+
+// Looks for an element that has two attributes of one name, which the parser takes.
+class TwinAttributes : public pugi::xml_tree_walker {
+ public:
+  bool for_each(xml_node& node) override {
+    names_.clear();
+    for (const pugi::xml_attribute attribute : node.attributes()) {
+      isFound_ = isFound_ || !names_.insert(attribute.name()).second;
+    }
+    return !isFound_;
+  }
+  bool IsFound() const { return isFound_; }
+
+ private:
+  std::set<std::string_view> names_;
+  bool isFound_ = false;
+};
 
 bool Is(const xml_node& node, std::string_view name) { return node.name() == name; }
 
@@ -218,7 +241,8 @@ Parameter ReadParameter(const xml_node& holder) {
     if (parts.size() != 2 || !Is(parts[0], "INSTANCENAME") || !Is(parts[1], "INSTANCE")) {
       Invalid("VALUE.NAMEDINSTANCE must hold INSTANCENAME and INSTANCE");
     }
-    parameter.instance.emplace(ReadInstanceName(parts[0], 0), ReadProperties(parts[1]));
+    parameter.instance =
+        SentInstance{ReadInstanceName(parts[0], 0), Attribute(parts[1], "CLASSNAME"), ReadProperties(parts[1])};
   } else if (Is(node, "VALUE.REFERENCE")) {
     parameter.path = ReadReference(node, 0);
   } else if (Is(node, "INSTANCENAME")) {
@@ -276,10 +300,14 @@ void RequireVersion(const xml_node& node, const char* attribute, std::string_vie
 
 Request ReadRequest(const std::string& body) {
   pugi::xml_document document;
+  if (const char* const illFormed = FindIllFormedText(body)) NotWellFormed(illFormed);
   const pugi::xml_parse_result parsed = document.load_buffer(
       body.data(), body.size(), (pugi::parse_default | pugi::parse_ws_pcdata_single) & ~pugi::parse_eol,
       pugi::encoding_utf8);
-  if (!parsed) throw BadRequest(kBadRequest, "request-not-well-formed", parsed.description());
+  if (!parsed) NotWellFormed(parsed.description());
+  TwinAttributes twins;
+  document.traverse(twins);
+  if (twins.IsFound()) NotWellFormed("an attribute stands twice");
   const xml_node cim = OnlyChild(document, "CIM");
   RequireVersion(cim, "CIMVERSION", "2.", "unsupported-cim-version");
   RequireVersion(cim, "DTDVERSION", "2.", "unsupported-dtd-version");
