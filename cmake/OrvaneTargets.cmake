@@ -38,6 +38,13 @@ elseif(ORVANE_SANITIZE STREQUAL "thread")
 elseif(ORVANE_SANITIZE)
   message(FATAL_ERROR "ORVANE_SANITIZE is '${ORVANE_SANITIZE}'; use address, thread or leave it empty")
 endif()
+if(ORVANE_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND NOT ORVANE_FUZZ)
+  # The run-time library as a shared one, as g++ has it: tests that replace operator new could not link the static one.
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-runtime-dir OUTPUT_VARIABLE orvane_runtime
+                  OUTPUT_STRIP_TRAILING_WHITESPACE)
+  list(APPEND orvane_instrument -shared-libsan)
+  list(APPEND orvane_instrument_link "LINKER:-rpath,${orvane_runtime}")
+endif()
 if(ORVANE_COVERAGE)
   # Counters of several threads must not lose counts, or end up negative.
   list(APPEND orvane_instrument --coverage -fprofile-update=atomic)
@@ -48,7 +55,7 @@ if(ORVANE_FUZZ)
 endif()
 if(orvane_instrument)
   target_compile_options(orvane_build_options INTERFACE ${orvane_instrument})
-  target_link_options(orvane_build_options INTERFACE ${orvane_instrument})
+  target_link_options(orvane_build_options INTERFACE ${orvane_instrument} ${orvane_instrument_link})
 endif()
 
 # orvane_configure(<target>): warnings as errors, hidden symbols, the preset's instrumentation.
