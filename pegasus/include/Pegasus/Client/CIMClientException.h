@@ -10,6 +10,7 @@ namespace Pegasus {
 /// The answer is not usable HTTP. The message as given.
 class PEGASUS_CLIENT_LINKAGE CIMClientMalformedHTTPException : public Exception {
  public:
+  /// @param message what getMessage() returns
   explicit CIMClientMalformedHTTPException(const String& message);
 };
 
@@ -17,8 +18,13 @@ class PEGASUS_CLIENT_LINKAGE CIMClientMalformedHTTPException : public Exception 
 /// `HTTP Error (<status>[ <reason>])[:][ CIMError = "<error>"][ Detail = "<detail>"].`
 class PEGASUS_CLIENT_LINKAGE CIMClientHTTPErrorException : public Exception {
  public:
+  /// @param httpStatusCode HTTP status, such as 401
+  /// @param reasonPhrase text of the status line, may be empty
+  /// @param cimError text of the header CIMError, may be empty
+  /// @param cimErrorDetail decoded text of the header PGErrorDetail, may be empty
   CIMClientHTTPErrorException(Uint32 httpStatusCode, const String& reasonPhrase, const String& cimError,
                               const String& cimErrorDetail);
+  /// The same without a reason.
   CIMClientHTTPErrorException(Uint32 httpStatusCode, const String& cimError = String(),
                               const String& cimErrorDetail = String());
   CIMClientHTTPErrorException(const CIMClientHTTPErrorException& other) noexcept;
@@ -27,7 +33,9 @@ class PEGASUS_CLIENT_LINKAGE CIMClientHTTPErrorException : public Exception {
 
   /// The HTTP status.
   Uint32 getCode() const;
+  /// Text of the header CIMError, empty when there was none.
   String getCIMError() const;
+  /// Decoded text of the header PGErrorDetail, empty when there was none.
   String getCIMErrorDetail() const;
 
  private:
@@ -39,12 +47,14 @@ class PEGASUS_CLIENT_LINKAGE CIMClientHTTPErrorException : public Exception {
 /// The answer is not well-formed XML, or not CIM-XML. The message as given.
 class PEGASUS_CLIENT_LINKAGE CIMClientXmlException : public Exception {
  public:
+  /// @param message what getMessage() returns
   explicit CIMClientXmlException(const String& message);
 };
 
 /// The answer does not belong to the request. The message as given.
 class PEGASUS_CLIENT_LINKAGE CIMClientResponseException : public Exception {
  public:
+  /// @param message what getMessage() returns
   explicit CIMClientResponseException(const String& message);
 };
 

@@ -81,11 +81,13 @@ struct alignas(8) ArrayRep {
 
 }  // namespace internal
 
-/// A list of `T`. Copies are independent of each other; distinct objects may be used from distinct threads, also when
-/// one is a copy of the other. A reference to an element is valid until the array is changed or copied.
+/// A list of `T`. Threads: copies are independent and may be used on several threads at a time (handles in them are
+/// copies of handles, though); one object may be read by several. A reference to an element is valid until the array is
+/// changed or copied.
 template <typename T>
 class PEGASUS_COMMON_LINKAGE Array {
  public:
+  /// An empty list.
   Array() noexcept { internal::ArrayElement<T>::Require(); }
   Array(const Array& other) noexcept : rep_(other.rep_) {
     if (rep_ != nullptr) {
@@ -103,6 +105,7 @@ class PEGASUS_COMMON_LINKAGE Array {
   }
   /// `size` copies of `x`.
   Array(Uint32 size, const T& x) : Array() { grow(size, x); }
+  /// Copies of `size` elements from `items` on.
   Array(const T* items, Uint32 size) : Array() { append(items, size); }
   ~Array() { Release(rep_); }
 
@@ -117,6 +120,7 @@ class PEGASUS_COMMON_LINKAGE Array {
     return *this;
   }
 
+  /// Removes all elements, and the room for them.
   void clear() noexcept {
     Release(rep_);
     rep_ = nullptr;
@@ -136,9 +140,12 @@ class PEGASUS_COMMON_LINKAGE Array {
       ++rep_->size;
     }
   }
+  /// Exchanges the contents without copying them.
   void swap(Array& other) noexcept { std::swap(rep_, other.rep_); }
 
+  /// Number of elements.
   Uint32 size() const noexcept { return rep_ != nullptr ? rep_->size : 0; }
+  /// Number of elements that there is room for.
   Uint32 getCapacity() const noexcept { return rep_ != nullptr ? rep_->capacity : 0; }
   /// The elements in a row; never null.
   const T* getData() const noexcept {
@@ -152,11 +159,13 @@ class PEGASUS_COMMON_LINKAGE Array {
     MakeWritable(rep_->size);
     return Data()[index];
   }
+  /// Throws IndexOutOfBoundsException when `index` is not below size().
   const T& operator[](Uint32 index) const {
     CheckIndex(index);
     return Data()[index];
   }
 
+  /// Appends one element, which may be one of this list.
   void append(const T& x) {
     if (IsWritable(size() + 1)) {
       new (Data() + rep_->size) T(x);
@@ -167,15 +176,20 @@ class PEGASUS_COMMON_LINKAGE Array {
     }
     ++rep_->size;
   }
+  /// Appends `n` elements from `items` on, which may be those of this list.
   void append(const T* items, Uint32 n) { Insert(size(), items, n); }
+  /// Appends all elements of `other`, which may be this list.
   void appendArray(const Array& other) {
     const Array items(other);  // NOLINT(performance-unnecessary-copy-initialization): other may be this array
     Insert(size(), items.getData(), items.size());
   }
+  /// Inserts before the first element.
   void prepend(const T& x) { Insert(0, &x, 1); }
+  /// Inserts `n` elements before the first one.
   void prepend(const T* items, Uint32 n) { Insert(0, items, n); }
   /// Inserts before `index`. Throws IndexOutOfBoundsException when `index` is beyond the end.
   void insert(Uint32 index, const T& x) { Insert(index, &x, 1); }
+  /// Inserts `n` elements before `index`, in their order. Throws IndexOutOfBoundsException as above.
   void insert(Uint32 index, const T* items, Uint32 n) { Insert(index, items, n); }
 
   /// Throws IndexOutOfBoundsException.

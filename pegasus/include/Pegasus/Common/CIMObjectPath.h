@@ -16,9 +16,10 @@ namespace objects {
 struct Access;
 }
 
-/// One key of an object path: a name, a type and the value as text.
+/// One key of an object path: a name, a type and the value as text. Threads: as for CIMObjectPath.
 class PEGASUS_COMMON_LINKAGE CIMKeyBinding {
  public:
+  /// What the text of a value means.
   enum Type { BOOLEAN, STRING, NUMERIC, REFERENCE };
 
   /// A null name, type BOOLEAN and an empty value.
@@ -28,11 +29,17 @@ class PEGASUS_COMMON_LINKAGE CIMKeyBinding {
   /// Type and text from a value: TypeMismatchException for arrays, objects and instances; a NULL gives an empty text.
   CIMKeyBinding(const CIMName& name, const CIMValue& value);
 
+  /// The name of the key property; null for a default-constructed binding.
   const CIMName& getName() const;
+  /// Any name is taken, the null name too.
   void setName(const CIMName& name);
+  /// The value as text: not quoted, not escaped.
   const String& getValue() const;
+  /// The text is not checked against the type here.
   void setValue(const String& value);
+  /// The type of the value.
   Type getType() const;
+  /// The text stays as it is.
   void setType(Type type);
   /// True when the key's type and value are those `value` would give. Never throws for a type no key can have.
   Boolean equal(CIMValue value);
@@ -48,7 +55,8 @@ class PEGASUS_COMMON_LINKAGE CIMKeyBinding {
 /// Same name (ignoring ASCII case) and type; numbers by value, booleans ignoring case, references as paths.
 PEGASUS_COMMON_LINKAGE Boolean operator==(const CIMKeyBinding& x, const CIMKeyBinding& y);
 
-/// The name of a class or an instance. Not synchronised; copies are independent.
+/// The name of a class or an instance. Threads: copies are independent and may be used on several threads at a time;
+/// one object may be read by several.
 class PEGASUS_COMMON_LINKAGE CIMObjectPath {
  public:
   /// An empty path: no host, null namespace, null class, no keys.
@@ -61,17 +69,25 @@ class PEGASUS_COMMON_LINKAGE CIMObjectPath {
   /// Parses like the constructor; on an exception the path stays as it was.
   CIMObjectPath& operator=(const String& objectName);
 
+  /// Back to an empty path.
   void clear();
+  /// As the constructors of the same arguments; on an exception the path stays as it was.
   void set(const String& host, const CIMNamespaceName& nameSpace, const CIMName& className,
            const Array<CIMKeyBinding>& keyBindings = Array<CIMKeyBinding>());
+  /// As the constructor of the same argument; on an exception the path stays as it was.
   void set(const String& objectName);
 
+  /// Host name or address, with `:` and a port if it has one; empty when there is none.
   const String& getHost() const;
   /// MalformedObjectNameException when the host is not legal; the empty text removes the host.
   void setHost(const String& host);
+  /// Null when the path has none.
   const CIMNamespaceName& getNameSpace() const;
+  /// The null name takes the namespace away.
   void setNameSpace(const CIMNamespaceName& nameSpace);
+  /// Null for an empty path.
   const CIMName& getClassName() const;
+  /// Any name is taken, the null name too.
   void setClassName(const CIMName& className);
   /// The keys in the order of their names, ignoring ASCII case.
   const Array<CIMKeyBinding>& getKeyBindings() const;
@@ -94,7 +110,9 @@ class PEGASUS_COMMON_LINKAGE CIMObjectPath {
   Array<CIMKeyBinding> keyBindings_;
 };
 
+/// The same as identical().
 PEGASUS_COMMON_LINKAGE Boolean operator==(const CIMObjectPath& x, const CIMObjectPath& y);
+/// The opposite of ==.
 PEGASUS_COMMON_LINKAGE Boolean operator!=(const CIMObjectPath& x, const CIMObjectPath& y);
 
 }  // namespace Pegasus

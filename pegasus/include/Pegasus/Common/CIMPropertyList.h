@@ -9,7 +9,8 @@
 
 namespace Pegasus {
 
-/// A list of property names or the null list; a plain value.
+/// A list of property names or the null list. Threads: copies are independent and may be used on several threads at a
+/// time; one object may be read by several.
 class PEGASUS_COMMON_LINKAGE CIMPropertyList {
  public:
   /// The null list.
@@ -21,11 +22,15 @@ class PEGASUS_COMMON_LINKAGE CIMPropertyList {
   void set(const Array<CIMName>& propertyNames);
   /// Back to the null list.
   void clear();
+  /// True for the null list; an empty list is not null.
   Boolean isNull() const;
+  /// Number of names, 0 for the null list.
   Uint32 size() const;
   /// IndexOutOfBoundsException when `index` is not below size().
   const CIMName& operator[](Uint32 index) const;
+  /// The names in their order; empty for the null list.
   Array<CIMName> getPropertyNameArray() const;
+  /// True when the name is in the list, ignoring ASCII case.
   Boolean contains(const CIMName& name) const;
   /// `NULL`, `EMPTY` or the names as `[A, B]`.
   String toString() const;

@@ -23,9 +23,12 @@ struct QualifierBody;
 }  // namespace objects
 
 /// Handle to a qualifier. All members but copying, assigning and isUninitialized() throw UninitializedObjectException
-/// on a default-constructed handle. Not synchronised.
+/// on a default-constructed handle.
+/// Threads: copies may be read, copied and destroyed on several threads at a time. While one is changed nobody else may
+/// use any of them; clone() makes one that another thread may change.
 class PEGASUS_COMMON_LINKAGE CIMQualifier {
  public:
+  /// An uninitialised handle.
   CIMQualifier() = default;
   /// UninitializedObjectException for a null name.
   CIMQualifier(const CIMName& name, const CIMValue& value, const CIMFlavor& flavor = CIMFlavor::NONE,
@@ -33,20 +36,31 @@ class PEGASUS_COMMON_LINKAGE CIMQualifier {
 
   /// UninitializedObjectException for a null name; Exception while the qualifier is part of a definition.
   void setName(const CIMName& name);
+  /// TypeMismatchException when type or array-ness differ from the present value's.
   void setValue(const CIMValue& value);
+  /// Adds the flags of `flavor` to those that are set.
   void setFlavor(const CIMFlavor& flavor);
   /// Removes the flags of `flavor`.
   void unsetFlavor(const CIMFlavor& flavor);
+  /// Says whether it comes unchanged from a superclass.
   void setPropagated(Boolean propagated);
+  /// Never null.
   const CIMName& getName() const;
+  /// The type of the value.
   CIMType getType() const;
+  /// True when the value is an array.
   Boolean isArray() const;
+  /// The value; it may be NULL.
   const CIMValue& getValue() const;
+  /// How the qualifier propagates.
   const CIMFlavor& getFlavor() const;
+  /// True when it comes unchanged from a superclass.
   Boolean getPropagated() const;
   /// An independent copy, all parts included.
   CIMQualifier clone() const;
+  /// Same name (ignoring ASCII case), value, flavor and propagation.
   Boolean identical(const CIMConstQualifier& x) const;
+  /// True for a handle that was only default-constructed, or copied from such a one.
   Boolean isUninitialized() const;
 
  private:
@@ -59,18 +73,30 @@ class PEGASUS_COMMON_LINKAGE CIMQualifier {
 /// The reading half of CIMQualifier, sharing its body.
 class PEGASUS_COMMON_LINKAGE CIMConstQualifier {
  public:
+  /// An uninitialised handle.
   CIMConstQualifier() = default;
+  /// Shares the body of `x`; uninitialised when it is.
   CIMConstQualifier(const CIMQualifier& x);
+  /// Shares the body of `x` from now on.
   CIMConstQualifier& operator=(const CIMQualifier& x);
 
+  /// Never null.
   const CIMName& getName() const;
+  /// The type of the value.
   CIMType getType() const;
+  /// True when the value is an array.
   Boolean isArray() const;
+  /// The value; it may be NULL.
   const CIMValue& getValue() const;
+  /// How the qualifier propagates.
   const CIMFlavor& getFlavor() const;
+  /// True when it comes unchanged from a superclass.
   Boolean getPropagated() const;
+  /// An independent copy, all parts included.
   CIMQualifier clone() const;
+  /// Same name (ignoring ASCII case), value, flavor and propagation.
   Boolean identical(const CIMConstQualifier& x) const;
+  /// True for a handle that was only default-constructed, or copied from such a one.
   Boolean isUninitialized() const;
 
  private:

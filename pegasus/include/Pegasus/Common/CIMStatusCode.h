@@ -5,6 +5,7 @@
 
 namespace Pegasus {
 
+/// The codes by their standard names; 18 and 19 are not assigned.
 enum CIMStatusCode : int {
   CIM_ERR_SUCCESS = 0,
   CIM_ERR_FAILED = 1,

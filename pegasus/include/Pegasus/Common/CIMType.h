@@ -5,6 +5,7 @@
 
 namespace Pegasus {
 
+/// The types, in the order in which they are numbered from 0.
 enum CIMType {
   CIMTYPE_BOOLEAN,
   CIMTYPE_UINT8,

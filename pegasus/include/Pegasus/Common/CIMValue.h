@@ -23,13 +23,15 @@ namespace objects {
 struct Access;
 }
 
-/// A typed CIM value. Not synchronised: one object belongs to one thread at a time, copies are independent.
+/// A typed CIM value. Threads: copies are independent and may be used on several threads at a time; one object may be
+/// read by several.
 class PEGASUS_COMMON_LINKAGE CIMValue {
  public:
   /// A NULL boolean scalar.
   CIMValue() = default;
   /// The NULL value of `type`; `arraySize` is kept for arrays and ignored for scalars.
   CIMValue(CIMType type, Boolean isArray, Uint32 arraySize = 0);
+  /// @{ A scalar, of the CIM type that belongs to the C++ type.
   CIMValue(Boolean x);
   CIMValue(Uint8 x);
   CIMValue(Sint8 x);
@@ -45,10 +47,13 @@ class PEGASUS_COMMON_LINKAGE CIMValue {
   CIMValue(const String& x);
   CIMValue(const CIMDateTime& x);
   CIMValue(const CIMObjectPath& x);
+  /// @}
   /// Keeps a clone; UninitializedObjectException for an uninitialised object.
   CIMValue(const CIMObject& x);
   /// Keeps a clone; UninitializedObjectException for an uninitialised instance.
   CIMValue(const CIMInstance& x);
+  /// @{ An array, which may be empty. Keeps clones of objects and instances; UninitializedObjectException when one of
+  /// them is uninitialised.
   CIMValue(const Array<Boolean>& x);
   CIMValue(const Array<Uint8>& x);
   CIMValue(const Array<Sint8>& x);
@@ -66,22 +71,28 @@ class PEGASUS_COMMON_LINKAGE CIMValue {
   CIMValue(const Array<CIMObjectPath>& x);
   CIMValue(const Array<CIMObject>& x);
   CIMValue(const Array<CIMInstance>& x);
+  /// @}
 
+  /// The same as assignment.
   void assign(const CIMValue& x);
   /// Back to a NULL boolean scalar.
   void clear();
 
   /// True when type and array-ness are the same.
   Boolean typeCompatible(const CIMValue& x) const;
+  /// True for arrays, NULL ones included.
   Boolean isArray() const;
+  /// True when there is a type but no value; an empty array or text is a value.
   Boolean isNull() const;
   /// Number of elements; for a NULL array the size it was declared with; 0 for scalars.
   Uint32 getArraySize() const;
+  /// The type of the value, of its elements when it is an array.
   CIMType getType() const;
   /// Becomes the NULL value of `type`, like the constructor of the same arguments.
   void setNullValue(CIMType type, Boolean isArray, Uint32 arraySize = 0);
 
-  /// set(x): takes type, array-ness and value of `x`, as construction from `x` does.
+  /// @{ Takes type, array-ness and value of `x`, whatever they were before, as construction from `x` does. On an
+  /// exception the value stays as it was.
   void set(Boolean x);
   void set(Uint8 x);
   void set(Sint8 x);
@@ -116,9 +127,10 @@ class PEGASUS_COMMON_LINKAGE CIMValue {
   void set(const Array<CIMObjectPath>& x);
   void set(const Array<CIMObject>& x);
   void set(const Array<CIMInstance>& x);
+  /// @}
 
-  /// get(x): the value, without any conversion. TypeMismatchException when type or array-ness differ;
-  /// a NULL value of the right type leaves `x` as it was.
+  /// @{ Copies the value into `x`, without any conversion; objects and instances are cloned. TypeMismatchException when
+  /// type or array-ness differ; a NULL value of the right type leaves `x` as it was.
   void get(Boolean& x) const;
   void get(Uint8& x) const;
   void get(Sint8& x) const;
@@ -153,6 +165,7 @@ class PEGASUS_COMMON_LINKAGE CIMValue {
   void get(Array<CIMObjectPath>& x) const;
   void get(Array<CIMObject>& x) const;
   void get(Array<CIMInstance>& x) const;
+  /// @}
 
   /// Same type, array-ness and null-ness, and equal values.
   Boolean equal(const CIMValue& x) const;
@@ -177,7 +190,9 @@ class PEGASUS_COMMON_LINKAGE CIMValue {
   Boolean isArray_ = false;
 };
 
+/// The same as equal().
 PEGASUS_COMMON_LINKAGE Boolean operator==(const CIMValue& x, const CIMValue& y);
+/// The opposite of ==.
 PEGASUS_COMMON_LINKAGE Boolean operator!=(const CIMValue& x, const CIMValue& y);
 
 }  // namespace Pegasus

@@ -24,10 +24,11 @@ class CertificateInfoFactory;
 /// May be called several times per certificate. An exception that leaves it counts as false.
 typedef Boolean(SSLCertificateVerifyFunction)(SSLCertificateInfo& certInfo);
 
-/// What the verification callback is told about one certificate.
+/// What the verification callback is told about one certificate. Threads: an object belongs to one thread at a time;
+/// copies are independent. The callback runs on the thread that connects.
 class PEGASUS_COMMON_LINKAGE SSLCertificateInfo {
  public:
-  // Verification results, numbered as OpenSSL numbers them (X509_V_*).
+  /// @{ Verification results, numbered as OpenSSL numbers them (X509_V_*).
   static const int V_OK = 0;
   static const int V_ERR_UNABLE_TO_GET_ISSUER_CERT = 2;
   static const int V_ERR_UNABLE_TO_GET_CRL = 3;
@@ -61,6 +62,7 @@ class PEGASUS_COMMON_LINKAGE SSLCertificateInfo {
   static const int V_ERR_AKID_ISSUER_SERIAL_MISMATCH = 31;
   static const int V_ERR_KEYUSAGE_NO_CERTSIGN = 32;
   static const int V_ERR_APPLICATION_VERIFICATION = 50;
+  /// @}
 
   /// A description that says nothing of validity, version or serial number: those are null or 0.
   /// @param errorDepth 0 for the server's own certificate, 1 for its issuer, and so on
@@ -79,8 +81,9 @@ class PEGASUS_COMMON_LINKAGE SSLCertificateInfo {
   Uint32 getVersionNumber() const;
   /// Serial number, -1 if it does not fit.
   long getSerialNumber() const;
-  /// Start and end of the certificate's validity, time stamps in UTC.
+  /// Start of the certificate's validity, a timestamp in UTC.
   CIMDateTime getNotBefore() const;
+  /// End of the certificate's validity, a timestamp in UTC.
   CIMDateTime getNotAfter() const;
   /// Distance from the server's own certificate, which has 0.
   Uint32 getErrorDepth() const;
@@ -90,7 +93,9 @@ class PEGASUS_COMMON_LINKAGE SSLCertificateInfo {
   String getErrorString() const;
   /// 1 when the preliminary check passed, 0 when not.
   Uint32 getResponseCode() const;
+  /// @param errorCode one of the V_ constants
   void setErrorCode(const int errorCode);
+  /// @param respCode 1 when the preliminary check passed, 0 when not
   void setResponseCode(const int respCode);
   /// All of the above, one item a line.
   String toString() const;
@@ -106,13 +111,18 @@ class PEGASUS_COMMON_LINKAGE SSLCertificateInfo {
   std::unique_ptr<Rep> rep_;
 };
 
-/// What a connection's verification needs while a handshake runs. The store is borrowed.
+/// What a connection's verification needs while a handshake runs. The store is borrowed. Threads: never changes, so
+/// several may read it.
 class PEGASUS_COMMON_LINKAGE SSLCallbackInfo {
  public:
+  /// @param verifyCert may be null
+  /// @param crlStore may be null; has to outlive this object
   explicit SSLCallbackInfo(SSLCertificateVerifyFunction* verifyCert, X509_STORE* crlStore = nullptr)
       : verifyCert_(verifyCert), crlStore_(crlStore) {}
 
+  /// The function that judges certificates, or null.
   SSLCertificateVerifyFunction* GetVerifyFunction() const { return verifyCert_; }
+  /// The revocation lists, or null.
   X509_STORE* GetCrlStore() const { return crlStore_; }
 
  private:
@@ -120,8 +130,8 @@ class PEGASUS_COMMON_LINKAGE SSLCallbackInfo {
   X509_STORE* crlStore_;
 };
 
-/// The settings of TLS connections. Copies share nothing that changes; a client keeps its own copy, so the caller's
-/// object may go once connect has returned.
+/// The settings of TLS connections. A client keeps its own copy, so the caller's object may go once connect has
+/// returned. Threads: never changes, so copies and one object alike may be used by several threads at a time.
 class PEGASUS_COMMON_LINKAGE SSLContext {
  public:
   /// @param trustStore file or directory of trusted certificates; empty: none, the system's are not consulted
@@ -141,14 +151,19 @@ class PEGASUS_COMMON_LINKAGE SSLContext {
   SSLContext(const SSLContext& sslContext);
   ~SSLContext();
 
+  /// The path as it was given, empty for none.
   String getTrustStore() const;
+  /// The path as it was given, empty for none.
   String getCertPath() const;
+  /// The path as it was given, empty for none.
   String getKeyPath() const;
+  /// The path as it was given, empty for none.
   String getCRLPath() const;
   /// The revocation lists, null when none were named. Owned by the context.
   X509_STORE* getCRLStore() const;
   /// True when there is a trust store or a callback.
   Boolean isPeerVerificationEnabled() const;
+  /// The callback as it was given, or null.
   SSLCertificateVerifyFunction* getSSLCertificateVerifyFunction() const;
 
  private:
