@@ -111,7 +111,7 @@ bool EqualNames(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return Lower(x) == Lower(y); });
 }
 
-bool LessName::operator()(const std::string& a, const std::string& b) const {
+bool LessName::operator()(std::string_view a, std::string_view b) const {
   return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
                                       [](char x, char y) { return Lower(x) < Lower(y); });
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,8 +45,11 @@ bool IsLegalText(CimType type, std::string_view text);
 std::string CanonicalText(CimType type, std::string_view text);
 
 struct LessName {
-  bool operator()(const std::string& a, const std::string& b) const;
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const;
 };
+/// Names that are equal in any case are one.
+using NameSet = std::set<std::string, LessName>;
 
 struct ObjectPath;
 

@@ -84,14 +84,14 @@ class Parameters {
     return *found->instance;
   }
 
-  std::optional<std::vector<std::string>> List(const char* name) const {
+  std::optional<NameSet> Names(const char* name) const {
     const Parameter* const found = Find(name);
     if (found == nullptr || IsNull(*found)) return std::nullopt;
     if (!found->texts) InvalidParameter(Quoted(name) + " is no array of strings");
-    return found->texts;
+    return NameSet(found->texts->begin(), found->texts->end());
   }
 
-  Selection Properties() const { return {List("PropertyList"), nullptr, Boolean("IncludeClassOrigin", false)}; }
+  Selection Properties() const { return {Names("PropertyList"), nullptr, Boolean("IncludeClassOrigin", false)}; }
 
  private:
   const Parameter* Find(const char* name) const {
@@ -205,22 +205,22 @@ ObjectPath ModifyInstance(const Request& request, ObjectStore& store) {
   if (!EqualNames(className, path.className)) {
     InvalidParameter("The instance is of the class " + Quoted(className) + ", its path of " + Quoted(path.className));
   }
-  const auto list = parameters.List("PropertyList");
+  const auto list = parameters.Names("PropertyList");
   ObjectStore::NamedValues values;
+  NameSet missing = list.value_or(NameSet());
   for (const SentProperty& property : sent) {
-    const auto isIt = [&](const std::string& name) { return EqualNames(name, property.name); };
-    if (list && std::none_of(list->begin(), list->end(), isIt)) continue;
+    if (list && list->count(property.name) == 0) continue;
+    missing.erase(property.name);
     CheckSentType(declaration, property);
     values.emplace_back(property.name, property.value);
   }
-  for (const std::string& name : list.value_or(std::vector<std::string>())) {
+  for (const std::string& name : list.value_or(NameSet())) {
     if (declaration.FindProperty(name) == nullptr) {
       throw CimError(CimStatus::kNoSuchProperty,
                      "The class " + std::string(declaration.name) + " has no property " + Quoted(name));
     }
-    const auto isIt = [&](const SentProperty& property) { return EqualNames(name, property.name); };
-    if (std::none_of(sent.begin(), sent.end(), isIt)) InvalidParameter("No value was sent for " + Quoted(name));
   }
+  if (!missing.empty()) InvalidParameter("No value was sent for " + Quoted(*missing.begin()));
   store.Modify(path, values);
   return path;
 }

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <stdexcept>
 #include <string>
 
@@ -155,6 +156,49 @@ TEST_F(CimOverHttp, TakesEveryCharacterInEveryWayOfWritingIt) {
   EXPECT_THAT(Call("GetInstance", Parameter("InstanceName", Name("VORTA_CMMComputerSystem", "Name", "cmm01"))),
               HasSubstr("<VALUE>\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"
                         "&lt;&amp;&gt;&quot;&apos;&#1;&amp;x;</VALUE>"));
+}
+
+TEST_F(CimOverHttp, ModifiesWhatThePropertyListNames) {
+  const auto modify = [this](const std::string& names) {
+    return Call("ModifyInstance", Parameter("ModifiedInstance",
+                                            "<VALUE.NAMEDINSTANCE>" + Name("VORTA_CMMComputerSystem", "Name", "cmm01") +
+                                                R"(<INSTANCE CLASSNAME="VORTA_CMMComputerSystem">)"
+                                                R"(<PROPERTY NAME="Caption" TYPE="string"><VALUE>c</VALUE></PROPERTY>)"
+                                                R"(<PROPERTY NAME="Odd" TYPE="string"><VALUE>o</VALUE></PROPERTY>)"
+                                                R"(<PROPERTY NAME="Status" TYPE="string"><VALUE>s</VALUE></PROPERTY>)"
+                                                "</INSTANCE></VALUE.NAMEDINSTANCE>") +
+                                      Parameter("PropertyList", "<VALUE.ARRAY>" + names + "</VALUE.ARRAY>"));
+  };
+  const auto instance = [this] {
+    return Call("GetInstance", Parameter("InstanceName", Name("VORTA_CMMComputerSystem", "Name", "cmm01")));
+  };
+  EXPECT_THAT(modify(""), testing::Not(HasSubstr("ERROR")));
+  EXPECT_THAT(instance(), testing::Not(HasSubstr("<VALUE>c</VALUE>")));
+  EXPECT_THAT(modify("<VALUE>status</VALUE><VALUE>Status</VALUE>"), testing::Not(HasSubstr("ERROR")));
+  EXPECT_THAT(instance(), testing::AllOf(HasSubstr("<VALUE>s</VALUE>"), testing::Not(HasSubstr("<VALUE>c</VALUE>"))));
+  EXPECT_THAT(modify("<VALUE>Caption</VALUE><VALUE>Name</VALUE>"), HasSubstr("<ERROR CODE=\"4\""));
+  EXPECT_THAT(modify("<VALUE>Caption</VALUE><VALUE>Odder</VALUE>"), HasSubstr("<ERROR CODE=\"12\""));
+  EXPECT_THAT(instance(), testing::Not(HasSubstr("<VALUE>c</VALUE>")));
+}
+
+// Work that grows with the square of a request would keep all other clients waiting for minutes.
+TEST_F(CimOverHttp, TenTimesTheListTakesNoMuchMoreThanTenTimesTheWork) {
+  const auto cost = [this](std::size_t count) {
+    std::string names;
+    std::string properties;
+    for (std::size_t i = 0; i < count; ++i) {
+      names += "<VALUE>InstanceI" + std::to_string(i) + "</VALUE>";
+      properties += "<PROPERTY NAME=\"P" + std::to_string(i) + "\" TYPE=\"string\"/>";
+    }
+    const std::clock_t start = std::clock();
+    EXPECT_THAT(Call("EnumerateInstances", Parameter("ClassName", ClassName("CIM_ManagedElement")) +
+                                               Parameter("PropertyList", "<VALUE.ARRAY>" + names + "</VALUE.ARRAY>")),
+                HasSubstr("<INSTANCE CLASSNAME=\"VORTA_Chassis\">"));
+    EXPECT_THAT(Modify(properties), HasSubstr("<ERROR CODE=\"12\""));
+    return std::clock() - start;
+  };
+  const std::clock_t some = cost(3000);
+  EXPECT_LT(cost(30000), 40 * some);
 }
 
 TEST_F(CimOverHttp, UnknownOperationIs7) { EXPECT_THAT(Call("ExecQuery", ""), HasSubstr("<ERROR CODE=\"7\"")); }

@@ -203,6 +203,7 @@ Value ReadValue(const xml_node& holder, const std::string& typeName, bool& isArr
 
 std::vector<SentProperty> ReadProperties(const xml_node& instance) {
   std::vector<SentProperty> properties;
+  NameSet names;
   for (const xml_node& node : Children(instance)) {
     if (Is(node, "QUALIFIER")) continue;
     const bool isReference = Is(node, "PROPERTY.REFERENCE");
@@ -216,9 +217,7 @@ std::vector<SentProperty> ReadProperties(const xml_node& instance) {
     bool hasArrayValue = property.isArray;
     property.value = ReadValue(node, property.typeName, hasArrayValue);
     if (hasArrayValue != property.isArray) Invalid("the property " + property.name + " has a value of the other shape");
-    const auto twin = std::find_if(properties.begin(), properties.end(),
-                                   [&](const SentProperty& other) { return EqualNames(other.name, property.name); });
-    if (twin != properties.end()) Invalid("the property " + property.name + " stands twice");
+    if (!names.insert(property.name).second) Invalid("the property " + property.name + " stands twice");
     properties.push_back(std::move(property));
   }
   return properties;

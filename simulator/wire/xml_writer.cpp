@@ -1,7 +1,6 @@
 // One newline behind every element that holds elements, none inside the text of a VALUE.
 #include "wire/xml_writer.h"
 
-#include <algorithm>
 #include <array>
 
 namespace Orvane::simulator {
@@ -49,8 +48,7 @@ std::string_view PropertyElement(const PropertyDeclaration& property) {
 
 bool IsShown(const PropertyDeclaration& property, const Selection& selection) {
   if (selection.onlyOf != nullptr && selection.onlyOf->FindProperty(property.name) == nullptr) return false;
-  return !selection.properties || std::any_of(selection.properties->begin(), selection.properties->end(),
-                                              [&](const std::string& name) { return EqualNames(name, property.name); });
+  return !selection.properties || selection.properties->count(property.name) != 0;
 }
 
 void AppendPropertyStart(std::string& out, const PropertyDeclaration& property, const ClassDeclaration& owner,

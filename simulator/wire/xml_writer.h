@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "cim/class_repository.h"
 #include "cim/object_store.h"
@@ -15,7 +14,7 @@ namespace Orvane::simulator {
 /// What an answer shows of each instance.
 struct Selection {
   /// Names of the properties to show; none shows all, an empty list shows nothing.
-  std::optional<std::vector<std::string>> properties;
+  std::optional<NameSet> properties;
   /// Show only properties that this class has; null for no such limit.
   const ClassDeclaration* onlyOf = nullptr;
   bool classOrigin = false;
