@@ -17,6 +17,7 @@ namespace {
 
 using Orvane::simulator::Fault;
 
+constexpr std::size_t kLongestHeadText = 16384;
 constexpr const char* kFile = "plan.json";
 
 void Require(bool holds) {
@@ -34,7 +35,10 @@ void CheckFault(const Fault& fault) {
   if (wire == nullptr) return;
   if (const auto* const status = std::get_if<Orvane::simulator::AnswerHttpStatus>(wire)) {
     Require(!HasControlCharacters(status->reason));
-    for (const auto& [name, value] : status->headers) Require(!name.empty() && !HasControlCharacters(name + value));
+    for (const auto& [name, value] : status->headers) {
+      Require(!name.empty() && !HasControlCharacters(name + value));
+      Require(std::max(name.size(), value.size()) <= kLongestHeadText);
+    }
   }
 }
 

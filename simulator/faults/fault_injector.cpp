@@ -62,7 +62,8 @@ HttpReply AnswerWith(const WireEffect& effect, const Request& request, Operation
                  },
                  [&](const TruncatedBody& truncated) {
                    reply.body = operations.Answer(request);
-                   reply.body.resize(std::min<std::size_t>(truncated.bytes, reply.body.size() - 1));
+                   // Without its line end alone the document would still be whole.
+                   reply.body.resize(std::min<std::size_t>(truncated.bytes, reply.body.find_last_not_of('\n')));
                  },
              },
              effect);

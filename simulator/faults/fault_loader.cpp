@@ -26,6 +26,7 @@ constexpr std::uint64_t kLowestStatus = 200;
 constexpr std::uint64_t kHighestStatus = 599;
 constexpr std::uint64_t kHighestCimCode = 65535;
 constexpr std::uint64_t kHighestBay = 99;
+constexpr std::size_t kLongestHeadText = 16384;
 constexpr std::string_view kInvokeMethod = "InvokeMethod";
 
 constexpr std::string_view kOperations[] = {
@@ -134,9 +135,17 @@ Refuse ReadRefuse(const JsonNode& node) {
   return effect;
 }
 
+// No head of an HTTP message holds more than 64 KiB in one place.
+void CheckHeadLength(const JsonNode& node, const std::string& text) {
+  if (text.size() > kLongestHeadText) {
+    node.Fail("must not be longer than " + std::to_string(kLongestHeadText) + " bytes");
+  }
+}
+
 // What goes into the head of an HTTP message must not end its line.
 std::string ReadHeadText(const JsonNode& node) {
   std::string text = node.Text();
+  CheckHeadLength(node, text);
   const auto isControl = [](char c) { return std::iscntrl(static_cast<unsigned char>(c)) != 0; };
   if (std::any_of(text.begin(), text.end(), isControl)) node.Fail("must not hold control characters");
   return text;
@@ -147,6 +156,7 @@ void CheckHeaderName(const JsonNode& node, const std::string& name) {
     return std::isalnum(static_cast<unsigned char>(c)) != 0 ||
            std::string_view("!#$%&'*+-.^_`|~").find(c) != std::string_view::npos;
   };
+  CheckHeadLength(node, name);
   if (name.empty() || !std::all_of(name.begin(), name.end(), isToken)) node.Fail("is no name of a header");
   for (const char* const own : {"Content-Length", "Transfer-Encoding", "Connection"}) {
     if (EqualNames(name, own)) node.Fail("is a header that the server sets itself");

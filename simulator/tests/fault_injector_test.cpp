@@ -144,9 +144,10 @@ TEST_F(Injector, AnswersTheBeginningOnly) {
   EXPECT_EQ(CarriedOut(), 1U);
 }
 
-TEST_F(Injector, LeavesOutTheLastByteAtLeast) {
+TEST_F(Injector, LeavesOutTheEndOfTheLastTagAtLeast) {
+  EXPECT_THAT(undisturbed_, EndsWith("</CIM>\n"));
   EXPECT_EQ(Answer(R"({"kind":"truncatedBody","bytes":16777216})").body,
-            undisturbed_.substr(0, undisturbed_.size() - 1));
+            undisturbed_.substr(0, undisturbed_.size() - 2));
 }
 
 TEST_F(Injector, AddsUpDelaysToABound) {

@@ -17,6 +17,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
 using testing::Pair;
 
@@ -131,6 +132,25 @@ TEST(FaultPlan, ReadsTheEffectsOnTheChassis) {
                                    std::pair("node", TargetKind::kNode)}) {
     EXPECT_EQ(InTheChassis<TargetGone>(R"({"kind":"targetGone","bay":1,"target":")" + std::string(name) + "\"}").kind,
               kind);
+  }
+}
+
+TEST(FaultPlan, HasABoundForWhatGoesIntoTheHead) {
+  constexpr std::size_t kLongest = 16384;
+  const auto plan = [](const std::string& reason, const std::string& name, const std::string& content) {
+    return R"({"formatVersion":1,"faults":[{"request":{},"effect":{"kind":"httpStatus","status":500,"reason":")" +
+           reason + R"(","headers":{")" + name + R"(":")" + content + R"("}}}]})";
+  };
+  const std::string longest(kLongest, 'x');
+  EXPECT_EQ(ParseFaultPlan("f.json", plan(longest, longest, longest)).Faults().size(), 1U);
+  for (const std::string& text :
+       {plan(longest + "x", "X", ""), plan("", longest + "x", ""), plan("", "X", longest + "x")}) {
+    try {
+      ParseFaultPlan("f.json", text);
+      FAIL() << "was taken";
+    } catch (const ModelError& error) {
+      EXPECT_THAT(error.what(), EndsWith(": must not be longer than 16384 bytes"));
+    }
   }
 }
 

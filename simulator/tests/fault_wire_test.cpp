@@ -172,6 +172,16 @@ TYPED_TEST(FaultOnTheWire, DropsOneByteBeforeTheEndAtLeast) {
   EXPECT_THAT(this->Answer("</CIM>\n"), EndsWith("</CIM>\n"));
 }
 
+TYPED_TEST(FaultOnTheWire, SendsTheLongestHeader) {
+  const std::string longest(16384, 'x');
+  this->ServeFirst(R"({"kind":"httpStatus","status":500,"reason":")" + longest + R"(","headers":{")" + longest +
+                   R"(":")" + longest + R"("}})");
+  const std::string answer = this->Answer(kHeadEnd);
+  EXPECT_THAT(answer, StartsWith("HTTP/1.1 500 " + longest + "\r\n"));
+  EXPECT_THAT(answer, HasSubstr("\r\n" + longest + ": " + longest + "\r\n"));
+  this->ExpectServed();
+}
+
 TYPED_TEST(FaultOnTheWire, DropsBetweenChunks) {
   this->ServeFirst(R"({"kind":"dropInAnswer","afterBytes":40})");
 
