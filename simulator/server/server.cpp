@@ -141,6 +141,7 @@ class Simulator::Impl : public Network {
         service_{Authentication(options.authentication, options.user, options.password),
                  Operations(store_, kHostInPaths),
                  [this](const Request& request) { return injector_->Answer(request); },
+                 [this](bool resumed) { ++(resumed ? resumedHandshakes_ : fullHandshakes_); },
                  [this](std::chrono::milliseconds delay, std::shared_ptr<Connection> connection,
                         Service::Action action) { Later(delay, std::move(connection), std::move(action)); },
                  [this](std::chrono::milliseconds duration, std::shared_ptr<Connection> spared,
@@ -166,7 +167,7 @@ class Simulator::Impl : public Network {
       https_.emplace(context_, strand_, address, options.httpsPort, [this](Tcp::socket socket) {
         Start(std::make_shared<Session<TlsStream>>(TlsStream(std::move(socket), tls_), service_));
       });
-      PrepareTls(options.address);
+      PrepareTls(options);
     }
     for (std::optional<Listener>* listener : {&http_, &https_}) {
       if (*listener) (*listener)->Accept();
@@ -211,6 +212,7 @@ class Simulator::Impl : public Network {
   std::uint16_t HttpPort() const { return http_ ? http_->Port() : 0; }
   std::uint16_t HttpsPort() const { return https_ ? https_->Port() : 0; }
   const Operations& CimOperations() const { return service_.operations; }
+  TlsHandshakes Handshakes() const { return {fullHandshakes_, resumedHandshakes_}; }
 
  private:
   template <typename NewSession>
@@ -268,16 +270,26 @@ class Simulator::Impl : public Network {
     }
   }
 
-  void PrepareTls(const std::string& address) {
-    const ServerCertificate certificate = MakeServerCertificate(address);
+  void PrepareTls(const Options& options) {
+    const ServerCertificate certificate = MakeServerCertificate(options.address);
     tls_.set_options(asio::ssl::context::default_workarounds | asio::ssl::context::no_sslv2 |
                      asio::ssl::context::no_sslv3 | asio::ssl::context::no_tlsv1 | asio::ssl::context::no_tlsv1_1);
+    SSL_CTX* const context = tls_.native_handle();
+    if (options.tlsVersions == TlsVersions::kOnly12) SSL_CTX_set_max_proto_version(context, TLS1_2_VERSION);
+    if (options.tlsVersions == TlsVersions::kOnly13) SSL_CTX_set_min_proto_version(context, TLS1_3_VERSION);
+    if (!options.tlsResumption) {
+      SSL_CTX_set_session_cache_mode(context, SSL_SESS_CACHE_OFF);
+      SSL_CTX_set_options(context, SSL_OP_NO_TICKET);
+      SSL_CTX_set_num_tickets(context, 0);
+    }
     tls_.use_certificate(asio::buffer(certificate.certificatePem), asio::ssl::context::pem);
     tls_.use_private_key(asio::buffer(certificate.privateKeyPem), asio::ssl::context::pem);
   }
 
   // Declared in this order: connections, held by the context, end before what they use.
   std::atomic<bool> isEnding_{false};
+  std::atomic<std::uint64_t> fullHandshakes_{0};
+  std::atomic<std::uint64_t> resumedHandshakes_{0};
   std::shared_ptr<Clock> clock_;
   SharedStore store_;
   std::optional<ChassisLife> life_;
@@ -310,5 +322,6 @@ std::uint16_t Simulator::HttpsPort() const { return impl_->HttpsPort(); }
 std::uint64_t Simulator::RequestCount(const std::string& operation) const {
   return impl_->CimOperations().Count(operation);
 }
+TlsHandshakes Simulator::Handshakes() const { return impl_->Handshakes(); }
 
 }  // namespace Orvane::simulator

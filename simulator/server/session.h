@@ -83,6 +83,8 @@ struct Service {
   Authentication authentication;
   Operations operations;
   Answerer answer;
+  /// Told of every finished TLS handshake.
+  std::function<void(bool resumed)> onHandshake;
   /// Calls an action of a connection, where Close must be called, after a simulated time.
   std::function<void(std::chrono::milliseconds delay, std::shared_ptr<Connection> connection, Action action)> later;
   /// Listens no more for a simulated time, ends all connections but this one, and then calls an action of this one.
@@ -133,7 +135,9 @@ class Session : public Connection, public std::enable_shared_from_this<Session<S
     if constexpr (std::is_same_v<Stream, TlsStream>) {
       stream_.async_handshake(asio::ssl::stream_base::server,
                               [self = this->shared_from_this()](const ErrorCode& error) {
-                                if (!error) self->ReadHeader();
+                                if (error) return;
+                                self->service_.onHandshake(SSL_session_reused(self->stream_.native_handle()) == 1);
+                                self->ReadHeader();
                               });
     } else {
       ReadHeader();

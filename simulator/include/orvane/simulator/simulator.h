@@ -47,6 +47,15 @@ Model BuiltInModel();
 /// @throws ModelError when the file cannot be read, is no JSON, or breaks a rule of the format.
 Model LoadModel(const std::string& path);
 
+/// The versions of TLS that HTTPS takes.
+enum class TlsVersions { kBoth, kOnly12, kOnly13 };
+
+/// Finished TLS handshakes: those that showed the certificate, and those that resumed a session.
+struct TlsHandshakes {
+  std::uint64_t full = 0;
+  std::uint64_t resumed = 0;
+};
+
 /// Where the simulator listens and whom it lets in.
 struct Options {
   std::string user = "USERID";
@@ -58,6 +67,9 @@ struct Options {
   std::string address = "127.0.0.1";
   /// False: requests are served without asking for a user.
   bool authentication = true;
+  TlsVersions tlsVersions = TlsVersions::kBoth;
+  /// False: every TLS handshake is a full one, as with a server that keeps no sessions and hands out no tickets.
+  bool tlsResumption = true;
   /// The time that the chassis lives in; null means real time. One clock may serve several simulators.
   std::shared_ptr<Clock> clock;
   /// What the chassis takes at most of a firmware package it fetches: bytes, and real time for the whole download.
@@ -88,6 +100,9 @@ class Simulator {
   /// How many calls of a CIM operation ("EnumerateInstances", "InvokeMethod" for every extrinsic method, ...) were
   /// carried out or answered with a CIM error since the start; requests refused before (401, 400) do not count.
   std::uint64_t RequestCount(const std::string& operation) const;
+
+  /// The TLS handshakes since the start. One is counted before the first request of its connection is read.
+  TlsHandshakes Handshakes() const;
 
  private:
   class Impl;
