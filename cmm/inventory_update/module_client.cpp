@@ -24,14 +24,10 @@ ModuleClient::ModuleClient(const ModuleClientTexts& texts, const std::string& ho
                            const std::string& user, const std::string& password)
     : texts_(texts), host_(host), user_(user), password_(password), port_(port) {}
 
-void ModuleClient::Write(unsigned level, const char* text, const std::string& detail) const {
-  if (Log::GetMinLogLevel() < level) return;
-  Log(level, texts_.source, __LINE__).Stream() << text << detail;
-}
-
 bool ModuleClient::ConnectOnce(std::uint16_t port, bool useHttps) {
-  const auto failed = [this](const char* text, const Pegasus::Exception& error) {
-    Write(kLogError, text, ToStdString(error.getMessage()));
+  const char* const kLogSource = texts_.source;
+  const auto failed = [kLogSource](const char* text, const Pegasus::Exception& error) {
+    ORVANE_LOG(kLogError) << text << ToStdString(error.getMessage());
     return false;
   };
   try {
@@ -45,10 +41,10 @@ bool ModuleClient::ConnectOnce(std::uint16_t port, bool useHttps) {
     } else {
       client_.connect(host, port, user, password);
     }
-    Write(kLogProgress, "Successfully connected to host : ", host_);
+    ORVANE_LOG(kLogProgress) << "Successfully connected to host : " << host_;
     return true;
   } catch (const Pegasus::AlreadyConnectedException& error) {
-    Write(texts_.alreadyConnectedLevel, texts_.alreadyConnected, ToStdString(error.getMessage()));
+    ORVANE_LOG(texts_.alreadyConnectedLevel) << texts_.alreadyConnected << ToStdString(error.getMessage());
     return true;
   } catch (const Pegasus::InvalidLocatorException& error) {
     return failed(texts_.invalidLocator, error);
@@ -90,14 +86,15 @@ Array<CIMInstance> ModuleClient::EnumerateInstances(const char* nameSpace, const
 }
 
 std::string ModuleClient::OutParameterText(const Array<Pegasus::CIMParamValue>& outParameters, const char* name) const {
+  const char* const kLogSource = texts_.source;
   if (outParameters.size() == 0) {
-    Write(texts_.emptyParameterLevel, "Empty Parameter", {});
+    ORVANE_LOG(texts_.emptyParameterLevel) << "Empty Parameter";
     return {};
   }
   for (Uint32 i = 0; i < outParameters.size(); ++i) {
     if (outParameters[i].getParameterName() != name) continue;
     std::string value = ToStdString(outParameters[i].getValue().toString());
-    Write(kLogProgress, "Parameter Name: ", std::string(name) + ", Parameter Value: " + value);
+    ORVANE_LOG(kLogProgress) << "Parameter Name: " << name << ", Parameter Value: " << value;
     return value;
   }
   return {};

@@ -55,8 +55,6 @@ class ModuleClient {
   Pegasus::CIMClient& Client() { return client_; }
 
  private:
-  void Write(unsigned level, const char* text, const std::string& detail) const;
-
   const ModuleClientTexts& texts_;
   PegClientOpt::CertificateCheck certificateCheck_ = AcceptAnyCertificate;
   Pegasus::CIMClient client_;

@@ -68,7 +68,9 @@ TEST_F(PassThruBadInput, ABayWithASwitchHoldsNoModule) {
   server.OnAssociators(PackagePath("p"), kSystemPackage, "CIM_ComputerSystem", Objects({System("switch", {12})}));
   EXPECT_EQ(update.StartUpdate(), 24);
   EXPECT_EQ(update.Reboot(2), 24);
+  EXPECT_EQ(update.Reseat(2), 24);
   EXPECT_EQ(update.CheckIfRebootSuccess(2), 24);
+  EXPECT_THAT(Invocations(), IsEmpty());
 }
 
 // Credentials.

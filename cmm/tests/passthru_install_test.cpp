@@ -116,6 +116,16 @@ TEST_F(PassThruInstall, WithoutAModuleInTheBayEndsBeforeTheSecondConnect) {
   EXPECT_THAT(clock.Sleeps(), IsEmpty());
 }
 
+TEST_F(PassThruInstall, ALookupThatFailsIsNoModuleAndNamesTheStatus) {
+  WatchEverything();
+  server.OnEnumerate("CIM_Slot", CimError(2, "no"));
+  EXPECT_EQ(Install(), 24);
+  const std::vector<std::string> lines = Lines();
+  EXPECT_THAT(std::vector<std::string>(lines.end() - 2, lines.end()),
+              ElementsAre("1 CIM_ERR_ACCESS_DENIED", "3 Don't find targetinstance for switch."));
+  EXPECT_THAT(Invocations(), IsEmpty());
+}
+
 TEST_F(PassThruInstall, ASecondOneSendsTheParametersOfTheFirstAgain) {
   EXPECT_EQ(Install(), 0);
   EXPECT_EQ(object.installPackage_PassThru(kTargetPassThru, "ftp://other", true), 0);
@@ -318,6 +328,15 @@ TEST_F(PassThruInstall, AnEmptyJobIsNoJob) {
   const std::vector<std::string> lines = Lines();
   EXPECT_THAT(std::vector<std::string>(lines.end() - 2, lines.end()),
               ElementsAre("3 Parameter Name: Job, Parameter Value: ", "1 InstanceID not found!"));
+}
+
+TEST_F(PassThruInstall, TheJobOfACallBeforeIsForgotten) {
+  EXPECT_EQ(Install(), 0);
+  server.OnInvoke("InstallFromURI", MethodResult(Uint32Value(0)));
+  EXPECT_EQ(Install(), 2);
+  const std::vector<std::string> lines = Lines();
+  EXPECT_THAT(std::vector<std::string>(lines.end() - 2, lines.end()),
+              ElementsAre("3 Empty Parameter", "1 InstanceID not found!"));
 }
 
 struct ReferenceCase {

@@ -104,6 +104,21 @@ TEST_F(PassThruState, AConnectionThatFailsNamesTheSessionsCodeAndGivesOne) {
                           kTargetLine, "1 Connect CIMMOM Failed. RC: -4"));
 }
 
+/// A CMM that speaks no TLS.
+class PassThruPlainHttp : public PassThruTest {
+ protected:
+  PassThruPlainHttp() : PassThruTest(CimServer::Options()) {
+    server.OnEnumerate(kCapabilities, Objects({Capabilities({11, 32769})}));
+    server.OnInvoke("RequestStateChange", MethodResult(Uint32Value(0)));
+  }
+};
+
+TEST_F(PassThruPlainHttp, IsAskedForAStateAllTheSame) {
+  EXPECT_EQ(update.Reboot(2), 0);
+  EXPECT_EQ(update.Reseat(2), 0);
+  EXPECT_EQ(Invocations().size(), 2U);
+}
+
 // Offered states.
 
 struct OfferCase {
@@ -143,6 +158,13 @@ INSTANTIATE_TEST_SUITE_P(
                       OfferCase{"Null", CapabilitiesWith(CimNull("uint16", true)), 4, 4},
                       OfferCase{"Absent", CimObjectSpec(kCapabilities).Key("InstanceID", "capabilities"), 4, 4}),
     [](const auto& param) { return param.param.name; });
+
+TEST_F(PassThruState, TheFirstCapabilitiesCount) {
+  server.OnEnumerate(kCapabilities,
+                     Objects({Capabilities({11}), CimObjectSpec(kCapabilities).Key("InstanceID", "others")}));
+  EXPECT_EQ(update.Reboot(2), 0);
+  EXPECT_THAT(Lines(), Contains(kFirstLine));
+}
 
 TEST_F(PassThruState, WhatIsNotOfferedIsNotAskedFor) {
   server.OnEnumerate(kCapabilities, Objects({Capabilities({2, 3})}));

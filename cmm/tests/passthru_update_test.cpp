@@ -75,6 +75,23 @@ TEST_F(PassThruUpdate, OfSeveralRecordsInTheBayTheLastOnesUuidStays) {
   EXPECT_THAT(lines, Contains("3 uuid for PassThru before update is q uuid"));
 }
 
+TEST_F(PassThruUpdate, ActsOnTheBayOfTheObject) {
+  server.OnEnumerate(kPassThruClass, Objects({PassThru("module"), PassThru("module7")}));
+  ScriptRecord(PassThru("module7"), Package("p7"));
+  server.OnAssociators(PackagePath("p7"), kPackageInSlot, "CIM_Slot", Objects({Slot("iomodule07", "7")}));
+  server.OnEnumerate("CIM_Slot", Objects({Slot("iomodule02", "2"), Slot("iomodule07", "7")}));
+  server.OnAssociatorNames(SlotPath("iomodule07"), kPackageInSlot, kPhysicalPackage, Objects({Package("p7")}));
+  server.OnAssociators(PackagePath("p7"), kRealizes, kPassThruClass, Objects({PassThru("module7")}));
+  SwitchPassThruUpdate seven("127.0.0.1", "USERID", "s3cret", server.Port(), kPackageUri, 7);
+
+  EXPECT_EQ(seven.StartUpdate(), 0);
+
+  EXPECT_THAT(Lines(3), Contains("uuid for PassThru before update is p7 uuid"));
+  ASSERT_EQ(Invocations().size(), 1U);
+  EXPECT_EQ(ArgumentTexts(Invocations()[0]).back(),
+            "Target reference //cmm01/root/cimv2:CIM_PassThroughModule.DeviceID=\"module7\"");
+}
+
 TEST_F(PassThruUpdate, WithoutARecordInTheBayGoesOnWithAnEmptyUuid) {
   server.OnEnumerate(kPassThruClass, NoObjects());
   EXPECT_EQ(update.StartUpdate(), 0);

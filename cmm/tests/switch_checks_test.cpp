@@ -390,6 +390,19 @@ TEST_F(SwitchBayInfo, IsLoggedLineByLine) {
   EXPECT_THAT(progress.texts, IsEmpty());
 }
 
+TEST_F(SwitchBayInfo, OfSeveralImagesOfAKindTheLastCounts) {
+  ScriptModule({BuiltImage("img-a", "Main", 11), BuiltImage("img-b", "Main", 12), BuiltImage("img-c", "Boot ROM", 13),
+                BuiltImage("img-d", "Boot ROM", 14)},
+               {StatusLink("img-a", {2}), StatusLink("img-b", {2})}, {Endpoint("eth0", "10.0.0.3", "")});
+
+  object.showBayInfo(kBay);
+
+  EXPECT_TRUE(log.Has(3, "Active Main Application BuildID is11"));
+  EXPECT_TRUE(log.Has(3, "Active Main Application BuildID is12"));
+  EXPECT_TRUE(log.Has(3, "l_activeMainBldId: 12"));
+  EXPECT_TRUE(log.Has(3, "bootBuildID: 14"));
+}
+
 TEST_F(SwitchBayInfo, WithoutAnIPv6AddressItHasNoSuchLine) {
   ScriptModule({BuiltImage("img-a", "Main", 11)}, {}, {Endpoint("eth0", "", "")});
 
@@ -407,6 +420,22 @@ TEST_F(SwitchBayInfo, BayZeroIsTheModuleOfSlotZeroAndNotTheFirst) {
 
   EXPECT_TRUE(log.Has(3, "Switch VPDID: other vpd"));
   EXPECT_FALSE(log.Has(3, "Switch VPDID: switch03 vpd"));
+}
+
+TEST_F(SwitchBayInfo, OfTheObjectsBayStandsAtTheHeadOfEveryFlow) {
+  ScriptModule({BuiltImage("img-a", "Main", 11)}, {}, {Endpoint("eth0", "10.0.0.3", "")});
+
+  for (const auto& run : {&SwitchIOModuleUpdate::UpdateFirmware, &SwitchIOModuleUpdate::StartUpdate}) {
+    const std::size_t before = Lines().size();
+    EXPECT_EQ((update.*run)(), 2) << "there is no service that could install";
+    const std::vector<std::string> lines = Lines();
+    ASSERT_GT(lines.size(), before + 12);
+    EXPECT_EQ(lines[before], "3 Enter SwitchIOUpdateByCIM::startUpdate!");
+    EXPECT_EQ(lines[before + 1], "3 Enter SwitchIOUpdateByCIM::showBayInfo!");
+    EXPECT_EQ(lines[before + 3], "3 Switch manufacture ID: switch03 maker");
+    EXPECT_EQ(lines[before + 11], "3 Switch ipAddress: 10.0.0.3");
+    EXPECT_EQ(lines[before + 12].rfind("3 SwitchIOUpdateByCIM::updateSingleFirmware", 0), 0u) << lines[before + 12];
+  }
 }
 
 class SwitchBayInfoMissing : public SwitchBayInfo, public ::testing::WithParamInterface<int> {};

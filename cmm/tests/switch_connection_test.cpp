@@ -105,6 +105,16 @@ TEST(SwitchConnectionFailures, NoSocket) {
                                  "1 Pegasus CannotCreateSocketException:Cannot create socket"));
 }
 
+TEST_F(SwitchConnection, EveryRequestOnItMayLastFiveMinutes) {
+  const ModuleClientTexts texts = {"cmm/inventory_update/switch_IO_update", 3, "", "", "", "", "", "", 1};
+  ModuleClient client(texts, "127.0.0.1", server.Port(), "USERID", "s3cret");
+
+  client.Client().setTimeout(1);
+  EXPECT_TRUE(client.Connect());
+  EXPECT_EQ(client.Client().getTimeout(), 300000u);
+  client.Disconnect();
+}
+
 TEST_F(SwitchConnection, IsTriedThreeTimesWithASecondBetween) {
   EXPECT_EQ(nobody.CheckDeferedUpdateSupported(kBay), 1);
 
@@ -176,6 +186,24 @@ TEST_F(SwitchConnection, LogsNothingAtLevelZero) {
   EXPECT_EQ(nobody.CheckDeferedUpdateSupported(kBay), 1);
 
   EXPECT_THAT(silent.Records(), IsEmpty());
+}
+
+TEST_F(SwitchConnection, LogsItsErrorsAtLevelOneAndItsSuccessAtLevelThree) {
+  ScriptDeferred("1");
+  {
+    const ScopedLog errors(1);
+    EXPECT_EQ(nobody.CheckDeferedUpdateSupported(kBay), 1);
+    EXPECT_EQ(update.CheckDeferedUpdateSupported(kBay), 33);
+    EXPECT_EQ(errors.Records().size(), 7u) << "six attempts and the end";
+  }
+  {
+    const ScopedLog warnings(2);
+    EXPECT_EQ(update.CheckDeferedUpdateSupported(kBay), 33);
+    EXPECT_THAT(warnings.Records(), IsEmpty());
+  }
+  const ScopedLog all(3);
+  EXPECT_EQ(update.CheckDeferedUpdateSupported(kBay), 33);
+  EXPECT_TRUE(all.Has(3, "Successfully connected to host : 127.0.0.1"));
 }
 
 TEST_F(SwitchConnection, CopiesShareOneObject) {

@@ -1,4 +1,6 @@
 // The update flows of a switch, one package or two, with and without activation and reboot, and the activation itself.
+#include <optional>
+
 #include "cmm/tests/switch_fixture.h"
 
 namespace Orvane::testing {
@@ -192,6 +194,28 @@ TEST_P(SwitchFlow, EndsWithTwoForACallbackThatThrows) {
   }
 }
 
+TEST_F(SwitchFlows, EveryStepActsOnTheBayOfTheObject) {
+  ScriptWholeUpdate();
+  server.OnEnumerate("CIM_Slot", Objects({Slot("iomodule03", "3"), Slot("iomodule12", "12")}));
+  server.OnAssociatorNames(SlotPath("iomodule12"), kPackageInSlot, kPhysicalPackage, Objects({Package("package12")}));
+  server.OnAssociators(PackagePath("package12"), kSystemPackage, "CIM_ComputerSystem",
+                       Objects({System("switch12", {12})}));
+  server.OnEnumerate(kIdentityClass, Objects({IdentityLink("iom03", {4}), IdentityLink("iom12", {4})}));
+  server.OnEnumerate(kSystemClass, Objects({DeferredSystem("IO Module 03", "0"), DeferredSystem("IO Module 12", "1")}));
+  SwitchIOModuleUpdate twelve("127.0.0.1", "USERID", "s3cret", server.Port(), "http://files/one.bin", "", 12);
+
+  EXPECT_EQ(twelve.StartUpdate(), 0);
+
+  const std::vector<CimRequest> invocations = RequestsOf("InvokeMethod");
+  ASSERT_EQ(invocations.size(), 2u);
+  EXPECT_THAT(invocations[0].arguments.at(3).values,
+              ElementsAre("//cmm01/root/cimv2:CIM_ComputerSystem.Name=\"switch12\""));
+  EXPECT_EQ(invocations[1].method, "RequestStateChange");
+  EXPECT_EQ(invocations[1].objectText, SystemPath("switch12"));
+  ASSERT_EQ(RequestsOf("ModifyInstance").size(), 1u);
+  EXPECT_EQ(RequestsOf("ModifyInstance").front().objectText, IdentityPath("iom12"));
+}
+
 TEST_F(SwitchFlows, AFailedSecondInstallGivesItsCode) {
   ScriptWholeUpdate();
   server.OnEnumerate(kJobClass, JobAnswer(7, kJobDone), JobAnswer(10, "Fingerprint mismatch"), JobAnswer(7, kJobDone),
@@ -291,7 +315,66 @@ TEST_F(SwitchFlows, ACallbackThatThrowsBehindTheInstallEndsTheFlowWithTwo) {
   }
 }
 
+TEST_F(SwitchFlows, ACallbackThatThrowsAtAPackageOfTwoEndsTheFlowThere) {
+  ScriptWholeUpdate();
+  std::size_t installs = 0;
+  for (const char* text : {"start installPackage pkgFileURI1", "start installPackage pkgFileURI2"}) {
+    ThrowingProgress throwing(text);
+    two.SetLogCallBack(&throwing);
+    EXPECT_EQ(two.StartUpdate(), 2) << text;
+    EXPECT_EQ(log.Texts(1).back(), "StartUpdate ended by an exception: the display is gone");
+    EXPECT_EQ(throwing.texts.back(), text);
+    EXPECT_EQ(InstalledUris().size(), installs) << text;
+    ++installs;
+  }
+}
+
+TEST_F(SwitchFlows, ACallbackThatThrowsAtTheRebootIsAFailedReboot) {
+  ScriptWholeUpdate();
+  ThrowingProgress throwing("start reboot I/O Module switch");
+  update.SetLogCallBack(&throwing);
+
+  EXPECT_EQ(update.StartUpdate(), 0);
+
+  EXPECT_EQ(Lines().back(), "1 Error happened when reboot the switch");
+  EXPECT_EQ(throwing.texts.back(), kRestartText);
+  EXPECT_EQ(Count(kStateChange), 0u);
+  EXPECT_EQ(clock.Sleeps().back(), 600000u);
+}
+
 class SwitchActivation : public SwitchFlows {};
+
+// Only a list of images without a fallback one says that there is none.
+TEST_F(SwitchActivation, ThatFailsOtherwiseMakesNoRebootNecessary) {
+  ScriptTarget();
+  ScriptDeferred("0");
+  server.OnInvoke("RequestStateChange", MethodResult(CimTyped("uint32", "0")));
+  server.OnEnumerate(kIdentityClass, CimError(5, "no such class"), Objects({IdentityLink("iom03", {4})}));
+  server.OnModify("", CimError(1, "not now"));
+
+  EXPECT_EQ(update.ActivateImage(kBay), 3);
+  EXPECT_EQ(update.Reboot(kBay), 0);
+  EXPECT_EQ(update.ActivateImage(kBay), 2);
+  EXPECT_EQ(update.Reboot(kBay), 0);
+
+  EXPECT_EQ(Count(kStateChange), 0u);
+}
+
+TEST(SwitchActivationWithoutConnection, MakesNoRebootNecessary) {
+  CimServer::Options options = HttpsServer();
+  options.port = CimServer(options).Port();
+  std::optional<CimServer> server;
+  const VirtualClock clock;
+  const ScopedLog log;
+  SwitchIOModuleUpdate update("127.0.0.1", "USERID", "s3cret", options.port, "", "", kBay);
+  EXPECT_EQ(update.ActivateImage(kBay), 1);
+
+  server.emplace(options);
+  server->OnEnumerate(kSystemClass, Objects({DeferredSystem("IO Module 03", "0")}));
+  EXPECT_EQ(update.Reboot(kBay), 0);
+
+  EXPECT_THAT(server->Summaries(), ElementsAre("EnumerateInstances VORTA_IOModuleComputerSystem"));
+}
 
 TEST_F(SwitchActivation, StepByStep) {
   server.OnEnumerate(kIdentityClass, Objects({IdentityLink("iom03", {6, 4})}));

@@ -107,6 +107,20 @@ TEST_F(SwitchInstall, SendsFourParametersInOrder) {
   expect(3, "Target", "reference", false, kTargetPath);
 }
 
+TEST_F(SwitchInstall, EveryLineNamesItsPlaceInTheSource) {
+  ScriptInstall(JobAnswer(7, kJobDone));
+
+  object.installPackage(kUri);
+
+  std::map<std::string, int> places;
+  for (const Log::Record& record : log.Records()) {
+    EXPECT_GT(record.line, 0) << record.text;
+    if (record.file == "cmm/inventory_update/switch_IO_update") places[record.text.substr(0, 20)] = record.line;
+  }
+  EXPECT_NE(places.at("Successfully connect"), places.at("Pegasus AlreadyConne"));
+  EXPECT_NE(places.at("Successfully connect"), places.at("Parameter Name: Job,"));
+}
+
 TEST_F(SwitchInstall, ASecondInstallSendsItsOwnParametersOnly) {
   ScriptInstall(JobAnswer(7, kJobDone));
 

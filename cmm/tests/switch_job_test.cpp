@@ -94,6 +94,14 @@ TEST_F(SwitchJob, ClassifiesItsTextInEveryPoll) {
   EXPECT_THAT(log.Texts(1), ElementsAre("TIMEOUT")) << "said of the poll that went on";
 }
 
+TEST_F(SwitchJob, ClassifiesAnEmptyTextAsWell) {
+  ScriptInstall(NoObjects());
+
+  EXPECT_EQ(object.installPackage(kUri), 2);
+
+  EXPECT_TRUE(log.Has(4, "CheckUpdateErrorCode CMMJobStatusStrFlagLocal="));
+}
+
 struct ClassifiedRow {
   unsigned state;
   const char* status;
