@@ -2,14 +2,14 @@
 #include "behaviour/job_engine.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
-#include <vector>
-
-#include "behaviour/states.h"
 
 namespace Orvane::simulator {
 
 namespace {
+
+constexpr const char* kJobClasses[] = {"CIM_ConcreteJob", "VORTA_FirmwareInstallationJob"};
 
 bool IsEnd(JobState state) { return state != JobState::kNew && state != JobState::kRunning; }
 
@@ -33,13 +33,13 @@ ObjectPath JobEngine::Create(ObjectStore& store, const std::string& className, c
 
 // A model may hold jobs of its own.
 std::string JobEngine::FreeId(const ObjectStore& store) {
-  const std::vector<const Instance*> jobs = store.Enumerate("CIM_ConcreteJob");
-  std::string id;
-  const auto hasId = [&id](const Instance* job) { return TextOf(*job, "InstanceID") == id; };
-  do {
-    id = "JOB_" + std::to_string(++last_);
-  } while (std::any_of(jobs.begin(), jobs.end(), hasId));
-  return id;
+  while (true) {
+    std::string id = "JOB_" + std::to_string(++last_);
+    const auto isTaken = [&](const char* className) {
+      return store.Contains({className, {{"InstanceID", {id, nullptr}}}});
+    };
+    if (std::none_of(std::begin(kJobClasses), std::end(kJobClasses), isTaken)) return id;
+  }
 }
 
 bool JobEngine::Enter(ObjectStore& store, const ObjectPath& job, JobState state, const std::string& text) {

@@ -3,6 +3,8 @@
 #include "cim/object_store.h"
 
 #include <algorithm>
+#include <iterator>
+#include <limits>
 #include <unordered_set>
 
 #include "cim/cim_error.h"
@@ -172,15 +174,25 @@ bool ObjectStore::Remove(const ObjectPath& path) {
   const auto associations = associationsOf_.find(form);
   if (associations != associationsOf_.end()) gone.insert(associations->second.begin(), associations->second.end());
 
+  // The others move up; to work out their normal forms again would keep everybody waiting in a large chassis.
+  constexpr std::size_t kGone = std::numeric_limits<std::size_t>::max();
+  std::vector<std::size_t> newPlaces(instances_.size(), kGone);
   std::vector<Instance> kept;
   kept.reserve(instances_.size() - gone.size());
   for (std::size_t place = 0; place < instances_.size(); ++place) {
-    if (gone.count(place) == 0) kept.push_back(std::move(instances_[place]));
+    if (gone.count(place) != 0) continue;
+    newPlaces[place] = kept.size();
+    kept.push_back(std::move(instances_[place]));
   }
   instances_ = std::move(kept);
-  byPath_.clear();
-  associationsOf_.clear();
-  for (std::size_t place = 0; place < instances_.size(); ++place) Enter(place);
+  for (auto entry = byPath_.begin(); entry != byPath_.end();) {
+    entry->second = newPlaces[entry->second];
+    entry = entry->second == kGone ? byPath_.erase(entry) : std::next(entry);
+  }
+  for (auto& [end, places] : associationsOf_) {
+    for (std::size_t& place : places) place = newPlaces[place];
+    places.erase(std::remove(places.begin(), places.end(), kGone), places.end());
+  }
   return true;
 }
 
@@ -205,6 +217,8 @@ const Instance& ObjectStore::Get(const ObjectPath& path) const {
   }
   return instances_[found->second];
 }
+
+bool ObjectStore::Contains(const ObjectPath& path) const { return byPath_.count(NormalForm(path)) != 0; }
 
 void ObjectStore::Modify(const ObjectPath& path, const NamedValues& values) {
   // Get proves that the path is good and the instance exists.

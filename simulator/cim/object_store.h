@@ -56,6 +56,10 @@ class ObjectStore {
   /// kNotFound
   const Instance& Get(const ObjectPath& path) const;
 
+  /// Whether there is such an instance.
+  /// @throws CimError kInvalidClass, kInvalidParameter as Get
+  bool Contains(const ObjectPath& path) const;
+
   /// Sets properties of an instance: all of them or, when one is refused, none.
   /// @throws CimError as Get; kNoSuchProperty; kTypeMismatch; kInvalidParameter when a key would change
   void Modify(const ObjectPath& path, const NamedValues& values);

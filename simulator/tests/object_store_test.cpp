@@ -68,6 +68,40 @@ TEST(ObjectStoreRemove, TakesTheAssociationsOfTheInstanceWithIt) {
   EXPECT_EQ(store.Associators(second, {}).size(), ofSecond);
 }
 
+TEST(ObjectStoreRemove, LeavesEveryOtherPathAndAssociationAsItWas) {
+  ObjectStore store = *BuiltInModel().Contents();
+  std::vector<ObjectPath> paths;
+  for (const char* className : {"CIM_ManagedElement", "CIM_Dependency", "CIM_InstalledSoftwareIdentity"}) {
+    for (const Instance* instance : store.Enumerate(className)) paths.push_back(instance->Path());
+  }
+  std::vector<std::vector<ObjectPath>> associators;
+  for (const ObjectPath& path : paths) {
+    associators.emplace_back();
+    for (const Instance* other : store.Associators(path, {})) associators.back().push_back(other->Path());
+  }
+  store.Add("CIM_ConcreteJob", {{"InstanceID", Value::Text("j")}});
+  const ObjectPath job = store.Enumerate("CIM_ConcreteJob").at(0)->Path();
+  EXPECT_TRUE(store.Contains(job));
+
+  EXPECT_TRUE(store.Remove(store.Enumerate("CIM_Chassis").at(0)->Path()));
+  EXPECT_TRUE(store.Remove(job));
+
+  EXPECT_FALSE(store.Contains(job));
+  std::size_t left = 0;
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    if (!store.Contains(paths[i])) continue;
+    ++left;
+    EXPECT_TRUE(ObjectStore::IsSame(store.Get(paths[i]).Path(), paths[i]));
+    const std::vector<const Instance*> found = store.Associators(paths[i], {});
+    ASSERT_EQ(found.size(), associators[i].size());
+    for (std::size_t k = 0; k < found.size(); ++k) {
+      EXPECT_TRUE(ObjectStore::IsSame(found[k]->Path(), associators[i][k]));
+    }
+  }
+  // Nothing is associated with the chassis.
+  EXPECT_EQ(left, paths.size() - 1);
+}
+
 TEST(ObjectStore, KnowsOnePathInTwoSpellings) {
   ObjectPath other = SetPath("a");
   other.className = "cim_redundancyset";
