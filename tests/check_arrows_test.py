@@ -58,6 +58,16 @@ class CheckArrows(unittest.TestCase):
             with self.subTest(file=file, include=include):
                 self.assertEqual(self.violations(file, include), [])
 
+    def test_a_folder_of_the_rooms_own_tests_may_be_called_as_one_of_another_room(self):
+        with tempfile.TemporaryDirectory() as folder:
+            tests = pathlib.Path(folder) / "pegasus/tests"
+            (tests / "faults").mkdir(parents=True)
+            (tests / "faults/row.h").write_text("", encoding="utf-8")
+            (tests / "faults/row_test.cpp").write_text("#include \"faults/row.h\"\n", encoding="utf-8")
+            self.assertEqual(check_arrows.violations_of(pathlib.Path(folder)), [])
+            (tests / "faults/row_test.cpp").write_text("#include \"faults/injector.h\"\n", encoding="utf-8")
+            self.assertEqual(len(check_arrows.violations_of(pathlib.Path(folder))), 1)
+
 
 if __name__ == "__main__":
     unittest.main()
