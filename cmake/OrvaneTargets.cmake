@@ -7,8 +7,6 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 # The libraries find each other beside themselves, wherever the prefix is moved.
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
-# An OpenPegasus outside the system's paths is found as well.
-set(CMAKE_INSTALL_RPATH_USE_LINK_PATH ON)
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release)
 endif()
