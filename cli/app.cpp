@@ -4,8 +4,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <exception>
-#include <iostream>
 #include <memory>
 #include <variant>
 
@@ -20,6 +21,7 @@
 #include "cli/passing_time.h"
 #include "cli/target.h"
 #include "cli/text.h"
+#include "cli/write_all.h"
 
 namespace Orvane::cli {
 namespace {
@@ -45,9 +47,8 @@ Opened Open(const Request& request) {
 }
 
 ExitStatus Print(const std::string& text, const Notices& notices) {
-  std::cout << text << std::flush;
-  if (std::cout) return ExitStatus::kDone;
-  notices.Error("the result cannot be written to standard output");
+  if (WriteAll(STDOUT_FILENO, text)) return ExitStatus::kDone;
+  notices.Error(std::string("the result cannot be written to standard output: ") + std::strerror(errno));
   return ExitStatus::kFailed;
 }
 
@@ -66,6 +67,7 @@ ExitStatus Carry(const Request& request, const Notices& notices) {
     if (request.json) Print(JsonText(request.operation, failure), notices);
     return failure.Status();
   }
+  for (const std::string& note : outcome.notes) notices.Note(note);
   for (const std::string& warning : outcome.warnings) notices.Warning(warning);
   if (!outcome.error.empty()) notices.Error(outcome.error);
   const ExitStatus printed = Print(request.json ? JsonText(request.operation, outcome) : outcome.text, notices);

@@ -20,6 +20,7 @@ constexpr std::string_view kResultOfConnect = " RC: ";
 
 // Prefixes that the session puts before an exception's message; other sources log the message bare or after " Error:".
 constexpr std::string_view kPrefixes[] = {
+    kEnumerationFailed,
     "Client HTTP Exception: ",
     "EnumerateInstances Exception: ",
     "Pegasus Exception: ",
@@ -35,11 +36,20 @@ constexpr std::string_view kPrefixes[] = {
 
 constexpr std::string_view kUnknownHostPrefix = "Pegasus InvalidLocatorException: ";
 
-// Every failed attempt to connect logs one of these. They count only when the connect as a whole failed.
-constexpr std::string_view kConnectPrefixes[] = {
-    "Pegasus AlreadyConnectedException: ",  kUnknownHostPrefix,
-    "Pegasus CannotCreateSocketException:", "Pegasus CannotConnectException:",
-    "Pegasus InvalidNameException: ",       "Unknown Exception: "};
+// Every failed attempt to connect logs one of these; the module updates put other blanks into them. They count only
+// when the connect as a whole failed.
+constexpr std::string_view kConnectPrefixes[] = {"Pegasus AlreadyConnectedException: ",
+                                                 "Pegasus AlreadyConnectedException :",
+                                                 kUnknownHostPrefix,
+                                                 "Pegasus InvalidLocatorException : ",
+                                                 "Pegasus InvalidLocatorException :",
+                                                 "Pegasus CannotCreateSocketException:",
+                                                 "Pegasus CannotCreateSocketException :",
+                                                 "Pegasus CannotConnectException:",
+                                                 "Pegasus CannotConnectException :",
+                                                 "Pegasus InvalidNameException: ",
+                                                 "Pegasus InvalidNameException :",
+                                                 "Unknown Exception: "};
 
 // Lines of level 1 that say nothing about why something failed.
 constexpr std::string_view kNoCause[] = {"the return code of installPackage_CMM is ",
@@ -76,6 +86,10 @@ constexpr MessageCause kMessages[] = {
 };
 
 bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
+
+bool TellsAnError(const Log::Record& record) {
+  return record.level == 1 || StartsWith(record.text, kEnumerationFailed);
+}
 
 std::string_view WithoutPrefix(std::string_view text) {
   for (const std::string_view prefix : kPrefixes) {
@@ -127,7 +141,7 @@ Cause FindConnectCause(const std::vector<Log::Record>& records) {
 Cause FindCause(const std::vector<Log::Record>& records) {
   Cause soft;
   for (const Log::Record& record : records) {
-    if (record.level != 1 || ConnectFailure(record.text) || TellsNoCause(record.text)) continue;
+    if (!TellsAnError(record) || ConnectFailure(record.text) || TellsNoCause(record.text)) continue;
     Cause cause = ClassifyMessage(record.text);
     if (IsHard(cause.kind)) return cause;
     if (soft.kind == CauseKind::kNone || StartsWith(record.text, kJobsWords)) soft = std::move(cause);
@@ -139,7 +153,7 @@ Cause FindCause(const std::vector<Log::Record>& records) {
 
 Cause FindRefusal(const std::vector<Log::Record>& records) {
   for (const Log::Record& record : records) {
-    if (record.level != 1) continue;
+    if (!TellsAnError(record)) continue;
     if (Cause cause = ClassifyMessage(record.text); cause.kind == CauseKind::kRefused) return cause;
   }
   return {};

@@ -3,12 +3,14 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <limits>
 #include <map>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "cli/commands/commands.h"
+#include "cli/interruption.h"
 #include "cli/masking.h"
 #include "cli/operations/operation.h"
 #include "cli/operations/operation_run.h"
@@ -22,6 +24,7 @@ constexpr int kLastBay = 999;
 constexpr const char* kBuiltInModel = "built-in";
 
 const char* const kFooter =
+    "Options of the connection, the output and the log: orvane --help. They may stand before or behind the command.\n"
     "Environment: ORVANE_HOST, ORVANE_PORT, ORVANE_USER, ORVANE_PASSWORD; ORVANE_LOG_LEVEL, ORVANE_LOG_FILE.\n"
     "Exit status: 0 done, 1 operation failed, 2 wrong usage, 3 no connection, 4 not found or not ready,\n"
     "             5 user or password refused, 6 gave up waiting while the job goes on, 130 interrupted.\n"
@@ -55,6 +58,7 @@ void AddOptions(CLI::App& app, Request& request, Values& values) {
       ->group(group)
       ->excludes(simulate);
   app.add_option("--port", request.connection.port, "CIM port; 0: HTTPS on 5989, then HTTP on 5988")
+      ->check(CLI::Range(0U, unsigned{std::numeric_limits<std::uint16_t>::max()}))
       ->group(group)
       ->excludes(simulate);
   app.add_option("--user", request.connection.user, "User name")->group(group)->excludes(simulate);
@@ -126,7 +130,8 @@ class Grammar {
     }
     if (operation.packages > 0) AddPackages(leaf, operation.packages);
     if (operation.mayStay) leaf.add_flag("--no-reboot", options.noReboot, "Install only");
-    if (operation.mayLeave) leaf.add_flag("--no-wait", options.noWait, "Do not wait until it answers again");
+    if (operation.resultsWithoutWait != nullptr)
+      leaf.add_flag("--no-wait", options.noWait, "Do not wait until it answers again");
     if (operation.changes) AddSafeguards(leaf);
     leaf.add_option("--progress", options.progress,
                     "On standard error: auto (a live line on a terminal, else plain), plain or jsonl")
@@ -141,10 +146,12 @@ class Grammar {
   }
 
   void AddPackages(CLI::App& leaf, std::size_t most) {
-    CLI::Option& packages = *leaf.add_option("--package", values_.operation.packages,
-                                             "Where the management module fetches the package; a switch may get two")
-                                 ->required()
-                                 ->type_name("URI");
+    CLI::Option& packages =
+        *leaf.add_option("--package", values_.operation.packages,
+                         most > 1 ? "Where the management module fetches the package; may be given twice"
+                                  : "Where the management module fetches the package")
+             ->required()
+             ->type_name("URI");
     packages.expected(1, static_cast<int>(most))->allow_extra_args(false);
   }
 
@@ -167,7 +174,10 @@ class Grammar {
     // Called when the whole line has been read: what runs later keeps the values, not this object.
     leaf.fallthrough()->callback([&request = request_, &values = values_, operation, command = std::move(command)] {
       request.operation = operation;
-      request.run = [command, values](const Context& context) { return command(context, values); };
+      request.run = [operation, command, values](const Context& context) {
+        const Interruption interruption([&] { TellInterruption(context, operation, "interrupted"); });
+        return command(context, values);
+      };
     });
     return leaf;
   }
@@ -206,6 +216,7 @@ std::variant<Request, Finished> ParseCommandLine(int argc, const char* const* ar
   Values values;
   app.require_subcommand(1);
   app.footer(kFooter);
+  app.set_version_flag("--version", "orvane " ORVANE_VERSION, "Print the version and exit");
   AddOptions(app, request, values);
   Grammar(app, request, values).AddCommands();
   try {
@@ -220,8 +231,12 @@ std::variant<Request, Finished> ParseCommandLine(int argc, const char* const* ar
       std::cerr << "orvane: \"" << word << "\" is no command or option\nRun with --help for more information.\n";
       return Finished{ExitStatus::kUsage};
     }
-    app.exit(error);
-    return Finished{success ? ExitStatus::kDone : ExitStatus::kUsage};
+    if (success) {
+      app.exit(error);
+      return Finished{std::cout.flush() ? ExitStatus::kDone : ExitStatus::kFailed};
+    }
+    std::cerr << "orvane: " << Neutralise(error.what()) << "\nRun with --help for more information.\n";
+    return Finished{ExitStatus::kUsage};
   }
   request.simulate = !values.model.empty();
   if (values.model != kBuiltInModel) request.simulation.modelPath = values.model;

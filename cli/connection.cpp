@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <iostream>
@@ -38,6 +39,11 @@ std::uint16_t ParsePort(const std::string& text) {
 std::string WithoutBrackets(const std::string& host) {
   const bool bracketed = host.size() > 2 && host.front() == '[' && host.back() == ']';
   return bracketed ? host.substr(1, host.size() - 2) : host;
+}
+
+// The usual slip. Of an address without brackets nobody can tell a port behind it; it has several colons.
+bool EndsInAPort(const std::string& host) {
+  return host.find("]:") != std::string::npos || std::count(host.begin(), host.end(), ':') == 1;
 }
 
 std::string ResolvePassword(const ConnectionOptions& options, const Surroundings& surroundings,
@@ -76,6 +82,9 @@ Connection ResolveConnection(const ConnectionOptions& options, const Surrounding
   // A URL may hold a password, which must not come back in a sentence about the host.
   if (host->find_first_of("/@") != std::string::npos) {
     Refuse("the host has to be a name or an address alone, without a scheme, a user or a path");
+  }
+  if (EndsInAPort(*host)) {
+    Refuse("the host \"" + Neutralise(*host) + "\" has to stand without a port; that goes to --port or ORVANE_PORT");
   }
   connection.host = WithoutBrackets(*host);
   if (options.port) {

@@ -24,7 +24,9 @@ constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGHUP};
 std::atomic<int> writeEnd{-1};
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler may use nothing else");
 std::array<struct sigaction, kSignals.size()> actionsBefore;
-struct sigaction brokenPipeBefore;
+// The signals of a failed write, after which the write itself tells what is wrong.
+constexpr std::array<int, 2> kWriteSignals = {SIGPIPE, SIGXFSZ};
+std::array<struct sigaction, kWriteSignals.size()> writeActionsBefore;
 
 void OnSignal(int) {
   const int before = errno;
@@ -50,15 +52,16 @@ Interruption::Interruption(std::function<void()> report) : report_(std::move(rep
     const bool outlives = kSignals[i] == SIGHUP && actionsBefore[i].sa_handler == SIG_IGN;
     if (outlives) sigaction(SIGHUP, &actionsBefore[i], nullptr);
   }
-  // Who reads the progress may go away; an operation goes on to its end all the same.
+  // Who reads the progress may go away, and a journal or a log may not grow any more; an operation goes on to its end
+  // all the same.
   struct sigaction ignore = {};
   ignore.sa_handler = SIG_IGN;
-  sigaction(SIGPIPE, &ignore, &brokenPipeBefore);
+  for (std::size_t i = 0; i < kWriteSignals.size(); ++i) sigaction(kWriteSignals[i], &ignore, &writeActionsBefore[i]);
 }
 
 Interruption::~Interruption() {
   for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &actionsBefore[i], nullptr);
-  sigaction(SIGPIPE, &brokenPipeBefore, nullptr);
+  for (std::size_t i = 0; i < kWriteSignals.size(); ++i) sigaction(kWriteSignals[i], &writeActionsBefore[i], nullptr);
   while (write(writeEnd.load(), &kNoLongerWatched, 1) < 0 && errno == EINTR) {
   }
   watcher_.join();

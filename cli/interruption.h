@@ -1,4 +1,4 @@
-// SIGINT, SIGTERM and SIGHUP while an operation runs: the person is told what goes on at the management module, and the
+// SIGINT, SIGTERM and SIGHUP while a command runs: the person is told what goes on at the management module, and the
 // command ends at once, even when a request is waiting for its answer.
 #pragma once
 
@@ -9,7 +9,7 @@ namespace Orvane::cli {
 
 /// One at a time in a process. While it lives, the first SIGINT, SIGTERM or (unless ignored) SIGHUP has the report made
 /// on a thread of its own and then ends the process with status 130; a second one ends it without a report. A broken
-/// pipe ends nothing.
+/// pipe and a file that has reached its size limit end nothing.
 class Interruption {
  public:
   /// @param report  runs beside whatever the program does; must not wait for it.

@@ -3,6 +3,7 @@
 #include "cli/journal.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -29,10 +30,25 @@ void SynchroniseFolderOf(const std::string& path) {
   close(fd);
 }
 
+int OpenForAppending(const std::string& path, int access) {
+  return open(path.c_str(), access | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+}
+
+// Never true of what cannot be read, a pipe for one.
+bool EndsInsideALine(int fd) {
+  struct stat status = {};
+  char last = 0;
+  return fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0 &&
+         pread(fd, &last, 1, status.st_size - 1) == 1 && last != '\n';
+}
+
+std::error_code LastError() { return {errno != 0 ? errno : EIO, std::generic_category()}; }
+
 }  // namespace
 
 Journal::Journal(std::string path) : path_(std::move(path)) {
-  fd_ = open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+  fd_ = OpenForAppending(path_, O_RDWR);
+  if (fd_ < 0 && errno == EACCES) fd_ = OpenForAppending(path_, O_WRONLY);
   if (fd_ < 0) {
     throw Failure(ExitStatus::kUsage, kNoLibraryCode,
                   "the journal " + Neutralise(path_) + " cannot be opened: " + std::strerror(errno));
@@ -42,11 +58,13 @@ Journal::Journal(std::string path) : path_(std::move(path)) {
 
 Journal::~Journal() { close(fd_); }
 
-bool Journal::Append(const Json& record) {
+std::error_code Journal::Append(const Json& record) {
   Json line = {{"time", UtcNow()}};
   line.update(record);
-  const std::string text = line.dump(-1, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace) + "\n";
-  return WriteAll(fd_, text) && Synchronise(fd_);
+  std::string text = line.dump(-1, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace) + "\n";
+  if (EndsInsideALine(fd_)) text.insert(0, "\n");
+  errno = 0;
+  return WriteAll(fd_, text) && Synchronise(fd_) ? std::error_code() : LastError();
 }
 
 }  // namespace Orvane::cli

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <system_error>
 
 #include "cli/records_json.h"
 
@@ -18,9 +19,10 @@ class Journal {
   Journal& operator=(const Journal&) = delete;
 
   /// Appends @p record as one line, with the time in front, and returns once it is on the disk. Several processes may
-  /// append to one file.
-  /// @return  false when it could not be written.
-  bool Append(const Json& record);
+  /// append to one file. A last line without an end, left by a process that was killed or by a full disk, stays a line
+  /// of its own.
+  /// @return  why it could not be written; no error when it is on the disk.
+  std::error_code Append(const Json& record);
 
   const std::string& Path() const { return path_; }
 

@@ -11,6 +11,7 @@ class Notices {
 
   /// @param sentence  harmless text.
   void Error(const std::string& sentence) const { Write("error", "", sentence); }
+  void Note(const std::string& sentence) const { Write("note", "note: ", sentence); }
   void Warning(const std::string& sentence) const { Write("warning", "warning: ", sentence); }
 
  private:

@@ -16,6 +16,7 @@ struct Outcome {
   Json data = Json::object();         ///< The member "data" of the JSON document.
   std::string text;                   ///< The result as a table, ended by a line end.
   std::string error;                  ///< A sentence for standard error when the status is none of success.
+  std::vector<std::string> notes;     ///< Sentences for standard error that tell no trouble.
   std::vector<std::string> warnings;  ///< Sentences for standard error.
 };
 

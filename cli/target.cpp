@@ -25,7 +25,8 @@ Cause Target::LastCause() const { return FindCause(log_.Records()); }
 bool Target::Logged(std::string_view start) const { return log_.Holds(start); }
 
 std::string Target::Where() const {
-  const std::string host = Neutralise(connection_.host);
+  const bool isIpv6 = connection_.host.find(':') != std::string::npos;
+  const std::string host = Neutralise(isIpv6 ? "[" + connection_.host + "]" : connection_.host);
   if (connection_.port == 0) return host + ":5989 (HTTPS) or " + host + ":5988 (HTTP)";
   return host + ":" + std::to_string(connection_.port);
 }

@@ -18,6 +18,7 @@ using nlohmann::json;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
 using ::testing::Not;
 
 using Words = std::vector<std::string>;
@@ -252,11 +253,45 @@ TEST(BaySame, NamesTheBaysOfEqualSwitches) {
 }
 
 TEST(BaySame, WithoutAnyIsDoneWithNothing) {
-  const Result result = Simulated({"bay", "same", std::to_string(EmptyIoBay())});
+  json model = BuiltInModel();
+  model["switches"].erase(model["switches"].begin() + 1, model["switches"].end());
+  const Folder folder;
+  const std::string file = folder.Write("model.json", model.dump(), 0644);
+
+  const Result result =
+      RunOrvane({{"--simulate=" + file, "bay", "same", std::to_string(FirstBayOf("switches"))}, {}, ""});
+
+  EXPECT_EQ(result.status, 0) << result.errors;
+  EXPECT_EQ(result.output, "");
+  EXPECT_THAT(result.errors, HasSubstr("orvane: note: no other switch"));
+}
+
+TEST(BaySame, OfABayWithoutASwitchIsNotFound) {
+  for (const int bay : {EmptyIoBay(), FirstBayOf("passThrus")}) {
+    const Result result = Simulated({"bay", "same", std::to_string(bay)});
+
+    EXPECT_EQ(result.status, 4);
+    EXPECT_EQ(result.errors, "orvane: no switch in bay " + std::to_string(bay) + "\n");
+  }
+}
+
+TEST(Version, IsPrinted) {
+  const Result result = RunOrvane({{"--version"}, {}, ""});
 
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.output, "");
-  EXPECT_THAT(result.errors, HasSubstr("no other switch"));
+  EXPECT_THAT(result.output, MatchesRegex("orvane [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+TEST(StandardOutput, ThatIsFullOrClosedIsTold) {
+  for (const char* words : {"--simulate chassis", "--simulate chassis -o json", "--help"}) {
+    EXPECT_EQ(
+        RunProgram("/bin/sh", {{"-c", "\"$0\" " + std::string(words) + " >/dev/full", ORVANE_COMMAND}, {}, ""}).status,
+        1)
+        << words;
+  }
+  EXPECT_THAT(RunProgram("/bin/sh", {{"-c", "\"$0\" --simulate chassis >/dev/full", ORVANE_COMMAND}, {}, ""}).errors,
+              HasSubstr("orvane: the result cannot be written to standard output: No space left on device\n"));
+  EXPECT_EQ(RunProgram("/bin/sh", {{"-c", "\"$0\" --simulate chassis >&-", ORVANE_COMMAND}, {}, ""}).status, 1);
 }
 
 TEST(Equipment, OfOneKindHoldsThatKindOnly) {

@@ -24,6 +24,7 @@ using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
+using ::testing::StartsWith;
 
 using Words = std::vector<std::string>;
 
@@ -92,6 +93,12 @@ TEST_P(EveryCommand, TellsARefusedConnection) {
 
   ExpectOneSentence(Ask("127.0.0.1", port.Number(), GetParam()), 3,
                     "no connection to 127.0.0.1:" + std::to_string(port.Number()));
+}
+
+TEST(Ipv6, StandsInBracketsBesideAPort) {
+  for (const char* host : {"::1", "[::1]"}) {
+    ExpectOneSentence(Ask(host, 1, {"chassis"}), 3, "no connection to [::1]:1; is the management module up");
+  }
 }
 
 TEST_P(EveryCommand, TellsANameWithoutAddress) {
@@ -214,7 +221,7 @@ TEST_P(Usage, WrongOneEndsWith2AndSaysWhatIsWrong) {
 
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.output, "");
-  EXPECT_THAT(result.errors, HasSubstr(GetParam().part));
+  EXPECT_THAT(result.errors, AllOf(StartsWith("orvane: "), HasSubstr(GetParam().part)));
 }
 
 const Words kAccess = {"--host", "127.0.0.1", "--port", "1", "--user", "USERID", "chassis"};
@@ -236,7 +243,13 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUsage{"NoUser", {{"--host", "127.0.0.1", "chassis"}, {}, ""}, "--user"},
         WrongUsage{"NoPassword", {kAccess, {}, ""}, "--password-file"},
         WrongUsage{"EmptyStdin", {With(kAccess, {"--password-stdin"}), {}, ""}, "standard input holds no password"},
-        WrongUsage{"BadPort", {{"--host", "127.0.0.1", "--port", "70000", "chassis"}, {}, ""}, "--port"},
+        WrongUsage{"BadPort",
+                   {{"--host", "127.0.0.1", "--port", "70000", "chassis"}, {}, ""},
+                   "--port: Value 70000 not in range"},
+        WrongUsage{"PortBehindTheHost",
+                   {{"--host", "cmm1:5989", "chassis"}, {}, ""},
+                   "the host \"cmm1:5989\" has to stand without a port; that goes to --port"},
+        WrongUsage{"PortBehindAnAddress", {{"--host", "[::1]:5989", "chassis"}, {}, ""}, "without a port"},
         WrongUsage{"BadPortInEnvironment",
                    {{"--host", "127.0.0.1", "chassis"}, {{"ORVANE_PORT", "https"}}, ""},
                    "ORVANE_PORT is \"https\""},

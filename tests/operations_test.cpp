@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "testing/cim_server.h"
 #include "tests/json_schema.h"
 #include "tests/process.h"
 
@@ -22,6 +23,7 @@ using ::testing::AllOf;
 using ::testing::AnyOf;
 using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
@@ -68,8 +70,8 @@ void PrintTo(const Run& run, std::ostream* out) { *out << run.name; }
 const std::vector<Run> kChanges = {
     {"CmmUpdate", {"cmm", "update", "--package", Package("cmm")}, 0, "answers again after its restart"},
     {"CmmUpdateOnly", {"cmm", "update", "--no-reboot", "--package", Package("cmm")}, 0, "the CMM was not restarted"},
-    {"CmmReboot", {"cmm", "reboot"}, 0, "the CMM was restarted"},
-    {"CmmRebootOnly", {"cmm", "reboot", "--no-wait"}, 0, "the CMM was restarted; it was not waited for"},
+    {"CmmReboot", {"cmm", "reboot"}, 0, "the CMM was restarted and answers again"},
+    {"CmmRebootOnly", {"cmm", "reboot", "--no-wait"}, 0, "the CMM went down to restart (--no-wait was given)"},
     {"SwitchUpdate",
      {"switch", "update", "--bay", "1", "--package", Package("switch-main"), "--package", Package("switch-boot")},
      0,
@@ -358,7 +360,10 @@ INSTANTIATE_TEST_SUITE_P(
                 {"cmm", "reboot", "--yes", "--journal", "/nonexistent/journal"},
                 2,
                 "the journal /nonexistent/journal cannot be opened"},
-        Failing{"FullJournal", {"cmm", "reboot", "--yes", "--journal", "/dev/full"}, 1, "nothing was changed"}),
+        Failing{"FullJournal",
+                {"cmm", "reboot", "--yes", "--journal", "/dev/full"},
+                1,
+                "the journal /dev/full cannot be written (No space left on device); nothing was changed"}),
     [](const auto& test) { return std::string(test.param.name); });
 
 struct Faulty {
@@ -415,6 +420,47 @@ INSTANTIATE_TEST_SUITE_P(
         Faulty{"UserMayNotInstall",
                R"({"request": {"method": "InstallFromURI"}, "effect": {"kind": "cimError", "code": 2}})", kSwitchUpdate,
                5, "the management module denied access"},
+        Faulty{"UserRefusedWhereOnlyThePassThrusServiceIsRead",
+               R"({"request": {"class": "CIM_SoftwareInstallationService"},
+                   "effect": {"kind": "httpStatus", "status": 401}})",
+               kPassThruUpdate, 5, "user or password was refused (code 212: HTTP Error (401"},
+        Faulty{"UserRefusedWhereOnlyTheSwitchsImagesAreRead",
+               R"({"request": {"operation": "EnumerateInstances", "class": "VORTA_IOMElementFirmwareIdentity"},
+                   "effect": {"kind": "httpStatus", "status": 401}})",
+               {"switch", "activate", "--bay", "1"},
+               5,
+               "user or password was refused (code 3: HTTP Error (401"},
+        Faulty{"CmmClosesWhereItsServiceIsRead",
+               R"({"request": {"class": "CIM_SoftwareInstallationService"}, "effect": {"kind": "dropBeforeAnswer"}})",
+               kCmmUpdate, 3,
+               "cmm update: nothing was installed: the connection was closed before an answer came (code 2: Connection "
+               "closed by CIM Server.); wait a few minutes"},
+        Faulty{"CmmClosesWhereTheSwitchsServiceIsRead",
+               R"({"request": {"class": "CIM_SoftwareInstallationService"}, "effect": {"kind": "dropBeforeAnswer"}})",
+               kSwitchUpdate, 3, "nothing was installed: the connection was closed before an answer came (code 2"},
+        Faulty{"CmmClosesWhereThePassThrusServiceIsRead",
+               R"({"request": {"class": "CIM_SoftwareInstallationService"}, "effect": {"kind": "dropBeforeAnswer"}})",
+               kPassThruUpdate, 3, "nothing was installed: the connection was closed before an answer came (code 212"},
+        Faulty{"CmmIsNotReadyWhereThePassThrusServiceIsRead",
+               R"({"request": {"class": "CIM_SoftwareInstallationService"},
+                   "effect": {"kind": "httpStatus", "status": 503}})",
+               kPassThruUpdate, 4, "nothing was installed: the CIM server is not ready (code 212: HTTP Error (503"},
+        Faulty{"CmmClosesWhereTheSecondPackagesServiceIsRead",
+               R"({"request": {"class": "CIM_SoftwareInstallationService", "occurrence": 2},
+                   "effect": {"kind": "dropBeforeAnswer"}})",
+               kSwitchUpdate + Words{"--package", Package("switch-boot")}, 3,
+               "the second package was not installed: the connection was closed before an answer came; the first "
+               "package is installed, but not activated (code 2"},
+        Faulty{
+            "CmmClosesWhereItsAbilitiesAreRead",
+            R"({"request": {"class": "VORTA_CMMEnabledLogicalElementCapabilities"}, "effect": {"kind": "dropBeforeAnswer"}})",
+            {"cmm", "reboot"},
+            3,
+            "cmm reboot: nothing was done: the connection was closed before an answer came (code 2"},
+        Faulty{"CmmDropsTheRequestToInstall",
+               R"({"request": {"method": "InstallFromURI"}, "effect": {"kind": "dropBeforeAnswer"}})", kCmmUpdate, 1,
+               "whether an installation was begun is not known: the connection was closed before an answer came (code "
+               "2: Connection closed by CIM Server.); the list command shows"},
         Faulty{"JobNeverBegins",
                R"({"request": {"method": "InstallFromURI"}, "effect": {"kind": "jobStuck", "state": "new"}})",
                kCmmUpdate, 6, "the job did not begin; it may still do so at the CMM"},
@@ -451,7 +497,9 @@ INSTANTIATE_TEST_SUITE_P(
                kSwitchUpdate + Words{"--package", Package("switch-boot")}, 6, "jobs JOB_1, JOB_2"},
         Faulty{"SwitchsSecondPackageNotTaken",
                R"({"request": {"method": "InstallFromURI", "occurrence": 2}, "effect": {"kind": "dropBeforeAnswer"}})",
-               kSwitchUpdate + Words{"--package", Package("switch-boot")}, 1, "an unexpected error ended it"},
+               kSwitchUpdate + Words{"--package", Package("switch-boot")}, 1,
+               "whether an installation was begun is not known: the connection was closed before an answer came; the "
+               "first package is installed, but not activated"},
         Faulty{"PassThruJobWithoutAnAnswer",
                R"({"request": {"class": "CIM_ConcreteJob", "occurrence": 2}, "effect": {"kind": "dropBeforeAnswer"}})",
                kPassThruUpdate, 6, "the job was lost sight of; it may go on at the management module"},
@@ -493,6 +541,78 @@ INSTANTIATE_TEST_SUITE_P(
                5,
                "the management module denied access; nothing was done"}),
     [](const auto& test) { return std::string(test.param.name); });
+
+// What the chassis has after an update that went wrong half-way is what an administrator needs to know.
+TEST(Faults, AFailedUpdateTellsTheVersionsThatTheTargetHasNow) {
+  const Folder folder;
+  const std::string faults =
+      folder.Write("faults.json",
+                   R"({"formatVersion": 1, "faults": [{"request": {"method": "InstallFromURI", "occurrence": 2},
+                       "effect": {"kind": "jobFails", "text": "Fingerprint mismatch"}}]})",
+                   0644);
+  const std::string journal = folder.Path("journal");
+
+  const Result result =
+      Simulated(Words{"--faults", faults} + kSwitchUpdate +
+                Words{"--package", Package("switch-boot"), "--yes", "-o", "json", "--journal", journal});
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.errors,
+              HasSubstr("\norvane: note: switch in bay 1 has now: active 7.1 (1004), unchanged; fallback "
+                        "6.9 (977) -> 7.3 (1100); boot 3.2 (41), unchanged\norvane: switch update: "));
+  const json document = DocumentOf(result);
+  EXPECT_EQ(document["data"]["changed"], true);
+  EXPECT_THAT(document["data"]["versions_after"]["active"], ElementsAre("7.1 (1004)"));
+  EXPECT_EQ(JsonLines(ReadFile(journal)).back()["versions_after"], document["data"]["versions_after"]);
+}
+
+TEST(Faults, AFailedUpdateSaysWhenTheVersionsCannotBeReadAgain) {
+  const Folder folder;
+  const std::string gone = folder.Write("gone.json",
+                                        R"({"formatVersion": 1, "faults": [
+      {"request": {"class": "CIM_ConcreteJob"}, "effect": {"kind": "refuse", "seconds": 86400, "answerFirst": true}}]})",
+                                        0644);
+  const std::string refused = folder.Write("refused.json",
+                                           R"({"formatVersion": 1, "faults": [
+      {"request": {}, "when": {"during": "jobRunning"}, "effect": {"kind": "httpStatus", "status": 401}}]})",
+                                           0644);
+
+  EXPECT_THAT(Simulated(Words{"--faults", gone} + kSwitchUpdate + Words{"--yes"}).errors,
+              HasSubstr("orvane: warning: the versions were not read again, since there is no connection; see them "
+                        "later with: orvane switch list --bay 1\norvane: switch update: "));
+  EXPECT_THAT(Simulated(Words{"--faults", refused} + kCmmUpdate + Words{"--yes"}).errors,
+              AllOf(HasSubstr("orvane: warning: the versions could not be read again: "), HasSubstr("refused the user"),
+                    HasSubstr("; see them later with: orvane cmm list\n")));
+}
+
+TEST(Faults, AnUpdateThatWasNotBegunReadsNoVersionsAgain) {
+  const Result result = Simulated({"switch", "update", "--bay", "1", "--yes", "--package", "http://127.0.0.1:1/p"});
+
+  EXPECT_THAT(result.errors, HasSubstr("switch in bay 1 has now: active 7.1 (1004), unchanged"));
+
+  const Folder folder;
+  const std::string faults = folder.Write("faults.json",
+                                          R"({"formatVersion": 1, "faults": [
+      {"request": {"class": "CIM_SoftwareInstallationService"}, "effect": {"kind": "dropBeforeAnswer"}}]})",
+                                          0644);
+  const Result closed = Simulated(Words{"--faults", faults} + kSwitchUpdate + Words{"--yes"});
+
+  EXPECT_THAT(closed.errors, AllOf(Not(HasSubstr("has now")), Not(HasSubstr("read again"))));
+}
+
+TEST(Faults, AQuestionWhoseAnswerIsLostIsNoAnswer) {
+  const Folder folder;
+  const std::string faults = folder.Write("faults.json",
+                                          R"({"formatVersion": 1, "faults": [
+      {"request": {"operation": "EnumerateInstances", "class": "VORTA_IOModuleComputerSystem"},
+       "effect": {"kind": "dropBeforeAnswer"}}]})",
+                                          0644);
+
+  const Result result = Simulated({"--faults", faults, "switch", "ehcm", "--bay", "1"});
+
+  EXPECT_EQ(result.status, 3) << result.errors;
+  EXPECT_THAT(result.errors, HasSubstr("no answer was found: the connection was closed before an answer came (code 29"));
+}
 
 TEST(Faults, ADelayedAnswerIsWaitedForInTheTimeOfTheChassis) {
   const Folder folder;
@@ -610,6 +730,38 @@ TEST(StandardError, ThatIsClosedDoesNotLeadIntoTheJournal) {
   EXPECT_EQ(records[2]["exit_status"], 0);
 }
 
+// A limit of the shell stands for a disk that becomes full: the first line fits, the second is cut.
+TEST(Journal, ThatCannotBeWrittenAnyMoreIsWarnedAboutAndTheOperationGoesOn) {
+  const Folder folder;
+  const std::string journal = folder.Path("journal");
+  const std::string update = "\"$0\" --simulate cmm update --yes --journal \"$1\" --package \"$2\"";
+  const Words words = {ORVANE_COMMAND, journal, Package("cmm")};
+
+  const Result limited = RunProgram("/bin/sh", {Words{"-c", "ulimit -f 1; " + update} + words, {}, ""});
+
+  EXPECT_EQ(limited.status, 0) << limited.errors;
+  EXPECT_THAT(limited.output, HasSubstr("answers again after its restart"));
+  EXPECT_THAT(limited.errors, HasSubstr("orvane: warning: the journal " + journal +
+                                        " misses the event \"job\": it cannot be written (File too large)\n"));
+  EXPECT_THAT(limited.errors, HasSubstr("misses the event \"finished\""));
+
+  RunProgram("/bin/sh", {Words{"-c", update} + words, {}, ""});
+
+  std::vector<std::string> events;
+  std::size_t torn = 0;
+  std::istringstream lines(ReadFile(journal));
+  for (std::string line; std::getline(lines, line);) {
+    const json record = json::parse(line, nullptr, /*allow_exceptions=*/false);
+    if (record.is_discarded()) {
+      ++torn;
+    } else {
+      events.push_back(record["event"]);
+    }
+  }
+  EXPECT_THAT(events, ElementsAre("started", "started", "job", "finished"));
+  EXPECT_EQ(torn, 1U);
+}
+
 TEST(Terminal, AsksAndThenShowsALiveLine) {
   const Result result =
       RunOrvaneOnTerminal({{"--simulate", "cmm", "update", "--package", Package("cmm")}, {}, ""}, "[y/N]", "y\n");
@@ -622,8 +774,20 @@ TEST(Terminal, AsksAndThenShowsALiveLine) {
                     HasSubstr("active    CMFW14C-2.5.1 (12)"), HasSubstr("offered   CMFW15A (13) for cmm"),
                     HasSubstr("install the package; restart the CMM; wait until it answers again")));
   EXPECT_THAT(result.output,
-              HasSubstr("\r\x1B[K0:02  CMM in bay 1: installing the package; waiting at most 6 h 23 mi"));
+              HasSubstr("\r\x1B[K0:02  installing the package; waiting at most 6 h 23 min for job JOB_1"));
   EXPECT_THAT(result.output, HasSubstr("CMM in bay 1: installing the package (1 min 37 s)"));
+}
+
+TEST(Terminal, ThatCannotRewriteALineGetsPlainOnes) {
+  for (const char* terminal : {"dumb", ""}) {
+    const Result result = RunOrvaneOnTerminal(
+        {{"--simulate", "switch", "verify", "--bay", "1"}, {{"TERM", terminal}}, ""}, "never shown", "");
+
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, AllOf(HasSubstr("0:00  switch in bay 1: checking the power-on self test; waiting at "
+                                               "most 6 min for its completion\r\n"),
+                                     Not(HasSubstr("\x1B"))));
+  }
 }
 
 TEST(Terminal, LeavesNoRestOfALiveLineBesideLogLines) {
@@ -696,6 +860,46 @@ TEST(Interrupt, OfAVerificationSaysThatNothingWasChanged) {
 
   EXPECT_EQ(result.status, 130);
   EXPECT_THAT(result.errors, HasSubstr("orvane: interrupted; nothing was changed\n"));
+}
+
+// A server that takes the request and never answers.
+class SilentChassis {
+ public:
+  SilentChassis() { server_.OnAnything(Orvane::testing::Hang()); }
+  Words Access() const { return {"--host", "127.0.0.1", "--port", std::to_string(server_.Port()), "--user", "USERID"}; }
+
+ private:
+  Orvane::testing::CimServer server_;
+};
+
+class InterruptedReading : public ::testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(Signals, InterruptedReading, ::testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_P(InterruptedReading, EndsWith130AndOneSentence) {
+  const SilentChassis chassis;
+
+  for (const Words& command : {Words{"inventory"}, Words{"switch", "list"}, Words{"bay", "type", "1"}}) {
+    const Result result =
+        RunOrvaneUntil("RC: 0", GetParam(),
+                       {chassis.Access() + Words{"--log-level", "3"} + command, {{"ORVANE_PASSWORD", kPassword}}, ""});
+
+    EXPECT_EQ(result.status, 130) << command[0];
+    EXPECT_EQ(result.output, "") << command[0];
+    EXPECT_THAT(result.errors, EndsWith("\norvane: interrupted\n")) << command[0];
+  }
+}
+
+TEST(InterruptedDocument, IsPrintedForAReadingToo) {
+  const SilentChassis chassis;
+
+  const Result result = RunOrvaneUntil(
+      "RC: 0", SIGINT,
+      {chassis.Access() + Words{"--log-level", "3", "-o", "json", "chassis"}, {{"ORVANE_PASSWORD", kPassword}}, ""});
+
+  const json document = DocumentOf(result);
+  EXPECT_EQ(document["operation"], "chassis");
+  EXPECT_EQ(document["code"], -1);
+  EXPECT_EQ(document["message"], "interrupted");
 }
 
 TEST(Interrupt, AfterARestartWasAskedForSaysThatItGoesOn) {

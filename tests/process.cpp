@@ -55,7 +55,9 @@ struct Pipe {
 std::vector<std::string> ChildEnvironment(const std::map<std::string, std::string>& extra) {
   std::vector<std::string> variables;
   for (char** entry = environ; *entry != nullptr; ++entry) {
-    if (std::string(*entry).rfind("ORVANE_", 0) != 0) variables.emplace_back(*entry);
+    const std::string variable = *entry;
+    const bool replaced = extra.count(variable.substr(0, variable.find('='))) != 0;
+    if (!replaced && variable.rfind("ORVANE_", 0) != 0) variables.push_back(variable);
   }
   for (const auto& [name, value] : extra) variables.push_back(name + "=" + value);
   return variables;
@@ -166,7 +168,9 @@ Result RunOrvane(const Invocation& run) { return RunProgram(ORVANE_COMMAND, run)
 Result RunOrvaneOnTerminal(const Invocation& run, const std::string& prompt, const std::string& typed) {
   std::vector<std::string> texts = run.arguments;
   texts.insert(texts.begin(), ORVANE_COMMAND);
-  std::vector<std::string> variables = ChildEnvironment(run.environment);
+  std::map<std::string, std::string> environment = run.environment;
+  environment.emplace("TERM", "xterm");  // of the tests' own terminal nothing is known
+  std::vector<std::string> variables = ChildEnvironment(environment);
   const std::vector<char*> argv = Pointers(texts);
   const std::vector<char*> envp = Pointers(variables);
   int terminal = -1;

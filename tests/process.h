@@ -31,8 +31,8 @@ Result RunOrvane(const Invocation& run);
 /// Runs the command and sends it @p signal once its standard error shows @p text; the test fails when it never does.
 Result RunOrvaneUntil(const std::string& text, int signal, const Invocation& run);
 
-/// Runs the command on a terminal of its own, types @p typed once it shows @p prompt, and returns all that the terminal
-/// showed as Result::output.
+/// Runs the command on a terminal of its own (TERM is xterm unless @p run says otherwise), types @p typed once it shows
+/// @p prompt, and returns all that the terminal showed as Result::output.
 Result RunOrvaneOnTerminal(const Invocation& run, const std::string& prompt, const std::string& typed);
 
 /// A temporary folder, removed with everything in it.

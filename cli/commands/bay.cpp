@@ -25,12 +25,16 @@ Outcome RunBayType(Target& target, int bay) {
 
 Outcome RunBaySame(Target& target, int bay) {
   const std::vector<int> bays = ReadSameTypeBays(target, bay);
+  // The library says the same of a bay that holds no switch.
+  if (bays.empty() && ReadModuleKind(target, bay) != ModuleKind::kSwitch) {
+    throw Failure(ExitStatus::kNotFound, kNoLibraryCode, "no switch in " + InBay(bay));
+  }
   Outcome outcome;
   outcome.data["bay"] = bay;
   outcome.data["bays"] = bays;
   if (bays.empty()) outcome.message = "no other switch of the type in " + InBay(bay);
   for (const int same : bays) outcome.text += std::to_string(same) + "\n";
-  if (bays.empty()) outcome.warnings.push_back(outcome.message);
+  if (bays.empty()) outcome.notes.push_back(outcome.message);
   return outcome;
 }
 

@@ -4,12 +4,6 @@
 namespace Orvane::cli {
 namespace {
 
-constexpr auto kDone = ExitStatus::kDone;
-constexpr auto kFailed = ExitStatus::kFailed;
-constexpr auto kNoConnection = ExitStatus::kNoConnection;
-constexpr auto kNotFound = ExitStatus::kNotFound;
-constexpr auto kRefused = ExitStatus::kRefused;
-
 constexpr const char* kNotReady = "The blade is not ready to change state.";
 constexpr const char* kCimError = "the management module reported an error; nothing was done";
 

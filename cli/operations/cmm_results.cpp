@@ -4,16 +4,24 @@
 namespace Orvane::cli {
 namespace {
 
-constexpr auto kDone = ExitStatus::kDone;
-constexpr auto kFailed = ExitStatus::kFailed;
-constexpr auto kNoConnection = ExitStatus::kNoConnection;
-constexpr auto kNotFound = ExitStatus::kNotFound;
-constexpr auto kGaveUp = ExitStatus::kGaveUp;
-
 constexpr const char* kRebootLater = "the new firmware runs after: orvane cmm reboot";
 constexpr const char* kWentDown = "CMM is doing reboot operation!";
 constexpr const char* kRebootFailed = "reboot CMM failed and the return code message is ";
 constexpr const char* kNoRebootConnection = "Connect CIMMOM Failed. RC: ";
+
+// What a restart may come to, waited for or not.
+const ResultTable& RebootRows() {
+  static const ResultTable kRows = {
+      {0, nullptr, kFailed, "the CMM was asked to restart, but was not seen to do so",
+       "it went on answering for two minutes", kWaitAndRepeat},
+      {2, nullptr, kFailed, "nothing was done", "the abilities of the CMM could not be read", kWaitAndRepeat},
+      {7, nullptr, kNotFound, "no primary CMM was found", "", kWaitAndRepeat},
+      {9, nullptr, kNotFound, "nothing was done", "the CMM does not offer a restart at present", kWaitAndRepeat},
+      {-1, nullptr, kFailed, "the CMM gave no usable answer", "it may restart all the same",
+       "look in a few minutes with: orvane cmm list"},
+  };
+  return kRows;
+}
 
 }  // namespace
 
@@ -72,22 +80,29 @@ const ResultTable& CmmUpdateResults() {
 }
 
 const ResultTable& CmmRebootResults() {
-  static const ResultTable kRows = Join(
-      {{
-           {0, kWentDown, kDone, "the CMM was restarted", "", ""},
-           {0, nullptr, kFailed, "the CMM was asked to restart, but was not seen to do so",
-            "it went on answering for two minutes", kWaitAndRepeat},
-           {1, kNoRebootConnection, kNoConnection, "no connection to the CMM; nothing was done",
-            "it did not accept a connection", kCheckConnection},
-           {1, nullptr, kGaveUp, "the CMM was restarted, but does not answer",
-            "it answered none of 80 tries in 4000 seconds", "look at the CMM itself"},
-           {2, nullptr, kFailed, "nothing was done", "the abilities of the CMM could not be read", kWaitAndRepeat},
-           {7, nullptr, kNotFound, "no primary CMM was found", "", kWaitAndRepeat},
-           {9, nullptr, kNotFound, "nothing was done", "the CMM does not offer a restart at present", kWaitAndRepeat},
-           {-1, nullptr, kFailed, "the CMM gave no usable answer", "it may restart all the same",
-            "look in a few minutes with: orvane cmm list"},
-       },
-       OtherRows()});
+  static const ResultTable kRows =
+      Join({{
+                {0, kWentDown, kDone, "the CMM was restarted and answers again", "", ""},
+                {1, kNoRebootConnection, kNoConnection, "no connection to the CMM; nothing was done",
+                 "it did not accept a connection", kCheckConnection},
+                {1, nullptr, kGaveUp, "the CMM was restarted, but does not answer",
+                 "it answered none of 80 tries in 4000 seconds", "look at the CMM itself"},
+            },
+            RebootRows(),
+            OtherRows()});
+  return kRows;
+}
+
+const ResultTable& CmmRebootNoWaitResults() {
+  static const ResultTable kRows =
+      Join({{
+                {0, kWentDown, kDone, "the CMM went down to restart", "--no-wait was given",
+                 "see in a few minutes whether it answers again with: orvane cmm list"},
+                {1, nullptr, kNoConnection, "no connection to the CMM; nothing was done",
+                 "it did not accept a connection", kCheckConnection},
+            },
+            RebootRows(),
+            OtherRows()});
   return kRows;
 }
 

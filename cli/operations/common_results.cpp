@@ -5,11 +5,6 @@
 namespace Orvane::cli {
 namespace {
 
-constexpr auto kFailed = ExitStatus::kFailed;
-constexpr auto kNoConnection = ExitStatus::kNoConnection;
-constexpr auto kNotFound = ExitStatus::kNotFound;
-constexpr auto kRefused = ExitStatus::kRefused;
-
 constexpr const char* kUpdateModule = "report it to the maker of the management module; its CIM server may be too old";
 
 }  // namespace

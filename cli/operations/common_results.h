@@ -7,6 +7,14 @@
 
 namespace Orvane::cli {
 
+// The statuses by short names, so that a row of a table fits on its line.
+constexpr auto kDone = ExitStatus::kDone;
+constexpr auto kFailed = ExitStatus::kFailed;
+constexpr auto kNoConnection = ExitStatus::kNoConnection;
+constexpr auto kNotFound = ExitStatus::kNotFound;
+constexpr auto kRefused = ExitStatus::kRefused;
+constexpr auto kGaveUp = ExitStatus::kGaveUp;
+
 constexpr const char* kSeeLog = "run it again with --log-level 3 and look at the last lines";
 constexpr const char* kCheckConnection = "check that the management module is up, then run the command again";
 constexpr const char* kCheckUser = "check user and password, and that the user may change the chassis";

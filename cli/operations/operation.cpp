@@ -75,7 +75,7 @@ Plan PlanCmmUpdate(const OperationOptions& options) {
 }
 
 Plan PlanCmmReboot(const OperationOptions& options) {
-  if (options.noWait) return {"restart the CMM"};
+  if (options.noWait) return {"restart the CMM", "not wait until it answers again"};
   return {"restart the CMM", "wait until it answers again"};
 }
 
@@ -108,35 +108,35 @@ constexpr auto kNode = TargetKind::kNode;
 const std::vector<Operation>& Operations() {
   using Switch = SwitchIOModuleUpdate;
   using PassThru = SwitchPassThruUpdate;
-  // Name, help, target, changes, packages, mayStay, mayLeave, comparesVersions, results, plan, run.
+  // Name, help, target, changes, packages, mayStay, comparesVersions, results, resultsWithoutWait, plan, run.
   static const std::vector<Operation> kOperations = {
-      {"cmm update", "Install firmware on the primary CMM and restart it", kCmm, true, 1, true, false, true,
-       CmmUpdateResults, PlanCmmUpdate, UpdateCmm},
-      {"cmm reboot", "Restart the primary CMM", kCmm, true, 0, false, true, false, CmmRebootResults, PlanCmmReboot,
-       RebootCmm},
+      {"cmm update", "Install firmware on the primary CMM and restart it", kCmm, true, 1, true, true, CmmUpdateResults,
+       nullptr, PlanCmmUpdate, UpdateCmm},
+      {"cmm reboot", "Restart the primary CMM", kCmm, true, 0, false, false, CmmRebootResults, CmmRebootNoWaitResults,
+       PlanCmmReboot, RebootCmm},
       {"switch update", "Install firmware on a switch, activate it and restart the switch", kSwitch, true, 2, true,
-       false, true, SwitchUpdateResults, PlanSwitchUpdate, UpdateSwitch},
-      {"switch activate", "Let the fallback image of a switch be the next one", kSwitch, true, 0, false, false, true,
-       SwitchActivateResults, PlanActivate, CallSwitch<&Switch::ActivateImage>},
-      {"switch reboot", "Restart a switch that defers updates", kSwitch, true, 0, false, false, false,
-       SwitchRebootResults, PlanReboot, CallSwitch<&Switch::Reboot>},
-      {"switch reseat", "Power-cycle a switch", kSwitch, true, 0, false, false, false, SwitchReseatResults, PlanReseat,
-       CallSwitch<&Switch::Reseat>},
-      {"switch verify", "Wait until a switch has passed its power-on self test", kSwitch, false, 0, false, false, false,
-       SwitchVerifyResults, PlanNothing, CallSwitch<&Switch::CheckIfRebootSuccess>},
-      {"switch ehcm", "Wait until a switch is ready for a firmware update", kSwitch, false, 0, false, false, false,
-       SwitchEhcmResults, PlanNothing, CallSwitch<&Switch::EHCMCheck>},
+       true, SwitchUpdateResults, nullptr, PlanSwitchUpdate, UpdateSwitch},
+      {"switch activate", "Let the fallback image of a switch be the next one", kSwitch, true, 0, false, true,
+       SwitchActivateResults, nullptr, PlanActivate, CallSwitch<&Switch::ActivateImage>},
+      {"switch reboot", "Restart a switch that defers updates", kSwitch, true, 0, false, false, SwitchRebootResults,
+       nullptr, PlanReboot, CallSwitch<&Switch::Reboot>},
+      {"switch reseat", "Power-cycle a switch", kSwitch, true, 0, false, false, SwitchReseatResults, nullptr,
+       PlanReseat, CallSwitch<&Switch::Reseat>},
+      {"switch verify", "Wait until a switch has passed its power-on self test", kSwitch, false, 0, false, false,
+       SwitchVerifyResults, nullptr, PlanNothing, CallSwitch<&Switch::CheckIfRebootSuccess>},
+      {"switch ehcm", "Wait until a switch is ready for a firmware update", kSwitch, false, 0, false, false,
+       SwitchEhcmResults, nullptr, PlanNothing, CallSwitch<&Switch::EHCMCheck>},
       {"switch deferred", "Tell whether a switch defers updates until it is restarted", kSwitch, false, 0, false, false,
-       false, SwitchDeferredResults, PlanNothing, CallSwitch<&Switch::CheckDeferedUpdateSupported>},
-      {"passthru update", "Install firmware on a pass-through module", kPassThru, true, 1, false, false, true,
-       PassThruUpdateResults, PlanPassThruUpdate, UpdatePassThru},
-      {"passthru reboot", "Restart a pass-through module", kPassThru, true, 0, false, false, false,
-       PassThruRebootResults, PlanReboot, CallPassThru<&PassThru::Reboot>},
-      {"passthru reseat", "Power-cycle a pass-through module", kPassThru, true, 0, false, false, false,
-       PassThruReseatResults, PlanReseat, CallPassThru<&PassThru::Reseat>},
+       SwitchDeferredResults, nullptr, PlanNothing, CallSwitch<&Switch::CheckDeferedUpdateSupported>},
+      {"passthru update", "Install firmware on a pass-through module", kPassThru, true, 1, false, true,
+       PassThruUpdateResults, nullptr, PlanPassThruUpdate, UpdatePassThru},
+      {"passthru reboot", "Restart a pass-through module", kPassThru, true, 0, false, false, PassThruRebootResults,
+       nullptr, PlanReboot, CallPassThru<&PassThru::Reboot>},
+      {"passthru reseat", "Power-cycle a pass-through module", kPassThru, true, 0, false, false, PassThruReseatResults,
+       nullptr, PlanReseat, CallPassThru<&PassThru::Reseat>},
       {"passthru verify", "Wait until a pass-through module has passed its power-on self test", kPassThru, false, 0,
-       false, false, false, PassThruVerifyResults, PlanNothing, CallPassThru<&PassThru::CheckIfRebootSuccess>},
-      {"blade reseat", "Power-cycle a compute node", kNode, true, 0, false, false, false, BladeReseatResults,
+       false, false, PassThruVerifyResults, nullptr, PlanNothing, CallPassThru<&PassThru::CheckIfRebootSuccess>},
+      {"blade reseat", "Power-cycle a compute node", kNode, true, 0, false, false, BladeReseatResults, nullptr,
        PlanBladeReseat, ReseatBlade},
   };
   return kOperations;

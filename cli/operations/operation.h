@@ -34,9 +34,9 @@ struct Operation {
   bool changes;          ///< Asks before it begins, keeps a journal, can be checked.
   std::size_t packages;  ///< How many packages it takes at most.
   bool mayStay;          ///< Knows --no-reboot.
-  bool mayLeave;         ///< Knows --no-wait.
   bool comparesVersions;
   const ResultTable& (*results)();
+  const ResultTable& (*resultsWithoutWait)();  ///< With --no-wait; null: it does not know that option.
   /// What will be done, as the steps of a sentence: "install the package", "restart the CMM".
   std::vector<std::string> (*plan)(const OperationOptions& options);
   /// @return  the library's code, or kNoLibraryCode when it gave none.

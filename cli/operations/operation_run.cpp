@@ -5,17 +5,21 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <exception>
+#include <system_error>
 #include <utility>
 
 #include "cli/cause.h"
 #include "cli/failure.h"
 #include "cli/interruption.h"
 #include "cli/masking.h"
+#include "cli/operations/common_results.h"
+#include "cli/operations/lost_contact.h"
 #include "cli/operations/offered_version.h"
 #include "cli/operations/package_uri.h"
 #include "cli/operations/question.h"
-#include "cli/output.h"
 #include "cli/progress/pauses.h"
 #include "cli/progress/printed_lines.h"
 #include "cli/table.h"
@@ -28,6 +32,9 @@ namespace {
 using Fields = std::vector<std::pair<std::string, std::string>>;
 
 constexpr const char* kOfferedUnknown = "not known before the management module has fetched the package";
+
+// The code of every update and activation that was given no connection.
+constexpr int kNoConnectionCode = 1;
 
 // What the library logs when a switch's job has done its work.
 constexpr const char* kInstalledLine = "Update completed successfully and the message is ";
@@ -54,15 +61,32 @@ std::string WithBay(std::string advice, int bay) {
   return advice;
 }
 
+std::string ListCommand(const Operation& operation, const OperationOptions& options) {
+  const std::string name = operation.name;
+  const std::string list = "orvane " + name.substr(0, name.find(' ')) + " list";
+  return options.bay < 1 ? list : list + " --bay " + std::to_string(options.bay);
+}
+
+std::string VersionsSentence(const Fields& versions) {
+  std::vector<std::string> parts;
+  for (const auto& [kind, text] : versions) parts.push_back(Neutralise(kind + " " + text));
+  return parts.empty() ? "no version that it tells" : Joined(parts, "; ");
+}
+
 Json VersionsJson(const std::optional<Subject>& subject) {
   if (!subject || !subject->versions) return nullptr;
   const FirmwareColumns& versions = *subject->versions;
   return {{"active", versions.active}, {"fallback", versions.fallback}, {"boot", versions.boot}};
 }
 
+bool CanRewriteLines() {
+  const char* const terminal = std::getenv("TERM");
+  return isatty(STDERR_FILENO) == 1 && terminal != nullptr && *terminal != '\0' && std::strcmp(terminal, "dumb") != 0;
+}
+
 ProgressMode ModeOf(const std::string& name) {
   if (name == "jsonl") return ProgressMode::kJsonLines;
-  return name == "auto" && isatty(STDERR_FILENO) == 1 ? ProgressMode::kLive : ProgressMode::kPlain;
+  return name == "auto" && CanRewriteLines() ? ProgressMode::kLive : ProgressMode::kPlain;
 }
 
 }  // namespace
@@ -70,9 +94,27 @@ ProgressMode ModeOf(const std::string& name) {
 struct OperationRun::Ending {
   int code = 0;
   ExitStatus status = ExitStatus::kDone;
-  std::string sentence;  ///< What happened and why.
-  std::string advice;    ///< May be empty.
+  std::string what;           ///< What happened.
+  std::string cause;          ///< May be empty, as the two that follow.
+  std::string detail;         ///< The library's or the chassis's own words, raw.
+  std::string advice;         ///< What to do.
+  bool oneInstalled = false;  ///< It failed with the second of two packages.
+  bool asked = true;          ///< Something may have been changed.
+  bool connected = true;      ///< The management module can be asked again.
+
+  bool Failed() const { return status != ExitStatus::kDone; }
+  std::string Sentence() const;
 };
+
+std::string OperationRun::Ending::Sentence() const {
+  std::string sentence = what;
+  if (!cause.empty()) sentence += Failed() ? ": " + cause : " (" + cause + ")";
+  if (oneInstalled) sentence += "; the first package is installed, but not activated";
+  if (!Failed()) return sentence;
+  sentence += " (code " + std::to_string(code);
+  if (!detail.empty()) sentence += ": " + Neutralise(detail);
+  return sentence + ")";
+}
 
 OperationRun::OperationRun(const Operation& operation, OperationOptions options)
     : operation_(operation), options_(std::move(options)) {}
@@ -147,9 +189,10 @@ Outcome OperationRun::Execute(const Context& context, const Subject& subject) {
   if (journal_) {
     Json record = JournalBase(context);
     record.update({{"event", "started"}, {"versions_before", VersionsJson(subject)}});
-    if (!journal_->Append(record)) {
+    if (const std::error_code error = journal_->Append(record)) {
       throw Failure(ExitStatus::kFailed, kNoLibraryCode,
-                    "the journal " + Neutralise(journal_->Path()) + " cannot be written; nothing was changed");
+                    "the journal " + Neutralise(journal_->Path()) + " cannot be written (" + error.message() +
+                        "); nothing was changed");
     }
   }
   const Ending ending = Judge(context, CallAndRecordErrors(context));
@@ -157,11 +200,11 @@ Outcome OperationRun::Execute(const Context& context, const Subject& subject) {
   Outcome outcome;
   outcome.status = ending.status;
   outcome.code = ending.code;
-  outcome.message = ending.sentence;
-  const std::optional<Subject> after = ending.code == 0 ? ReadAgain(context, outcome) : std::nullopt;
+  outcome.message = ending.Sentence();
+  const std::optional<Subject> after = ReadAgain(context, ending, outcome);
   const bool compared = after && after->versions && subject.versions;
   const bool changed = compared && !(*after->versions == *subject.versions);
-  if (compared && !changed && ending.status == ExitStatus::kDone) {
+  if (compared && !changed && !ending.Failed()) {
     outcome.message += "; the versions are as before, so nothing shows that it made a difference";
   }
 
@@ -180,18 +223,18 @@ Outcome OperationRun::Execute(const Context& context, const Subject& subject) {
   record.update({{"code", ending.code}, {"message", outcome.message}, {"exit_status", ToInt(ending.status)}});
   Record(context, "finished", record);
 
-  if (ending.status != ExitStatus::kDone) {
+  const auto versions = compared ? CompareVersions(*subject.versions, *after->versions) : Fields();
+  if (ending.Failed()) {
+    if (compared) outcome.notes.push_back(subject_ + " has now: " + VersionsSentence(versions));
     outcome.error = std::string(operation_.name) + ": " + outcome.message;
     if (const auto jobs = progress_->Current().jobs; !jobs.empty()) outcome.error += "; " + JobsText(jobs);
     if (!ending.advice.empty()) outcome.error += "; " + ending.advice;
   }
   Fields fields = {{"target", Named(subject)}, {"result", outcome.message}};
-  if (compared) {
-    for (const auto& line : CompareVersions(*subject.versions, *after->versions)) fields.push_back(line);
-  }
+  fields.insert(fields.end(), versions.begin(), versions.end());
   for (const Json& job : outcome.data["jobs"]) fields.emplace_back("job", job.get<std::string>());
   if (!ending.advice.empty()) fields.emplace_back("next", ending.advice);
-  outcome.text = ending.status == ExitStatus::kDone ? FieldList(fields) : std::string();
+  outcome.text = ending.Failed() ? std::string() : FieldList(fields);
   return outcome;
 }
 
@@ -231,38 +274,75 @@ int OperationRun::Call(const Context& context) {
 
 OperationRun::Ending OperationRun::Judge(const Context& context, int code) const {
   const std::vector<Log::Record> records = context.log.Records();
-  const Result result = FindResult(operation_.results(), code, records);
-  Ending ending{code, result.row->status, result.row->text, WithBay(result.row->advice, options_.bay)};
-  const bool failed = ending.status != ExitStatus::kDone;
-  std::string cause = result.row->cause;
+  const ResultTable& table = options_.noWait ? operation_.resultsWithoutWait() : operation_.results();
+  const Result result = FindResult(table, code, records);
+  const Cause found = FindCause(records);
+  Ending ending;
+  ending.code = code;
+  ending.status = result.row->status;
+  ending.what = result.row->text;
+  ending.cause = result.row->cause;
+  ending.advice = WithBay(result.row->advice, options_.bay);
   // The line that names the job only tells that there is one, others only tell the code once more.
   const bool tells = !result.detail.empty() && JobInLine(result.detail).empty() && !TellsNoCause(result.detail);
-  std::string detail = tells ? result.detail : FindCause(records).text;
-  if (const Cause refusal = FindRefusal(records); failed && refusal.kind == CauseKind::kRefused) {
+  ending.detail = tells ? result.detail : found.text;
+  ending.connected = code != kNoConnectionCode && found.kind != CauseKind::kNoConnection;
+  ending.oneInstalled =
+      ending.Failed() && code != 0 && options_.packages.size() > 1 && context.log.Holds(kInstalledLine);
+  ConsiderLostContact(context, found, ending);
+  if (const Cause refusal = FindRefusal(records); ending.Failed() && refusal.kind == CauseKind::kRefused) {
     ending.status = ExitStatus::kRefused;
-    cause = "user or password was refused";
-    detail = refusal.text;
-    ending.advice = "check user and password, and that the user may change the chassis";
-  }
-  if (!cause.empty()) ending.sentence += (failed ? ": " : " (") + cause + (failed ? "" : ")");
-  if (!failed && options_.noWait) ending.sentence += "; it was not waited for";
-  if (failed && code != 0 && options_.packages.size() > 1 && context.log.Holds(kInstalledLine)) {
-    ending.sentence += "; the first package is installed, but not activated";
-  }
-  if (failed) {
-    ending.sentence += " (code " + std::to_string(code);
-    if (!detail.empty()) ending.sentence += ": " + Neutralise(detail);
-    ending.sentence += ")";
+    ending.cause = "user or password was refused";
+    ending.detail = refusal.text;
+    ending.advice = kCheckUser;
   }
   return ending;
 }
 
-std::optional<Subject> OperationRun::ReadAgain(const Context& context, Outcome& outcome) const {
-  if (!operation_.comparesVersions) return std::nullopt;
+// The rows of an operation tell what it missed, a target or a service. When the talk broke off, that is the reason, and
+// how far the operation had come decides what is known about the chassis.
+void OperationRun::ConsiderLostContact(const Context& context, const Cause& found, Ending& ending) const {
+  const Progress::Snapshot reached = progress_->Current();
+  const bool asking = reached.stage == Stage::kAsking;
+  // Without its service, which is read first, an installation on a module is not asked for.
+  const bool preparing = reached.stage == Stage::kPreparing || (asking && context.log.Holds(kEnumerationFailed));
+  ending.asked = !preparing || !reached.jobs.empty();
+  const bool vague = ending.status == ExitStatus::kFailed || ending.status == ExitStatus::kNotFound;
+  const LostContact* const lost = vague ? FindLostContact(found.kind) : nullptr;
+  const bool installing = asking && reached.jobs.size() < options_.packages.size();
+  if (lost == nullptr || (!preparing && !installing)) return;
+  ending.cause = lost->cause;
+  ending.detail = found.text;
+  if (!preparing) {
+    ending.what = "whether an installation was begun is not known";
+    ending.advice = kListShows;
+    return;
+  }
+  ending.status = lost->status;
+  ending.advice = lost->advice;
+  if (!options_.packages.empty()) {
+    ending.what = ending.oneInstalled ? "the second package was not installed" : "nothing was installed";
+  } else {
+    ending.what = operation_.changes ? "nothing was done" : "no answer was found";
+  }
+}
+
+// After a failure too: then it matters most what the target has now.
+std::optional<Subject> OperationRun::ReadAgain(const Context& context, const Ending& ending, Outcome& outcome) const {
+  const bool failed = ending.Failed();
+  if (!operation_.comparesVersions || (failed && !ending.asked)) return std::nullopt;
+  if (failed && !ending.connected) {
+    outcome.warnings.push_back("the versions were not read again, since there is no connection; see them later with: " +
+                               ListCommand(operation_, options_));
+    return std::nullopt;
+  }
   try {
+    // One request tells whether the management module answers: reading everything from one that hangs takes long.
+    if (failed) context.target.RequireManagementModule();
     return FindSubject(context.target, operation_, options_);
   } catch (const Failure& failure) {
-    outcome.warnings.push_back(std::string("the versions could not be read again: ") + failure.what());
+    outcome.warnings.push_back(std::string("the versions could not be read again: ") + failure.what() +
+                               "; see them later with: " + ListCommand(operation_, options_));
     return std::nullopt;
   }
 }
@@ -281,8 +361,10 @@ void OperationRun::Record(const Context& context, const char* event, const Json&
   Json record = JournalBase(context);
   record["event"] = event;
   record.update(more);
-  if (!journal_->Append(record)) {
-    context.notices.Warning("the journal " + Neutralise(journal_->Path()) + " cannot be written any more");
+  if (const std::error_code error = journal_->Append(record)) {
+    reporter_->Clear();
+    context.notices.Warning("the journal " + Neutralise(journal_->Path()) + " misses the event \"" + event +
+                            "\": it cannot be written (" + error.message() + ")");
   }
 }
 
@@ -330,10 +412,7 @@ void OperationRun::Interrupted(const Context& context) {
   } else {
     WriteAll(STDERR_FILENO, "\n");  // behind a question, or the ^C that the terminal showed
   }
-  context.notices.Error(sentence);
-  if (context.json) {
-    WriteAll(STDOUT_FILENO, JsonText(operation_.name, Failure(ExitStatus::kInterrupted, kNoLibraryCode, sentence)));
-  }
+  TellInterruption(context, operation_.name, sentence);
 }
 
 }  // namespace Orvane::cli

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/cause.h"
 #include "cli/context.h"
 #include "cli/journal.h"
 #include "cli/operations/operation.h"
@@ -42,7 +43,8 @@ class OperationRun {
   int CallAndRecordErrors(const Context& context);
   int Call(const Context& context);
   Ending Judge(const Context& context, int code) const;
-  std::optional<Subject> ReadAgain(const Context& context, Outcome& outcome) const;
+  void ConsiderLostContact(const Context& context, const Cause& found, Ending& ending) const;
+  std::optional<Subject> ReadAgain(const Context& context, const Ending& ending, Outcome& outcome) const;
   void Interrupted(const Context& context);
   std::string InterruptedSentence(const Context& context) const;
   Json JournalBase(const Context& context) const;

@@ -4,13 +4,6 @@
 namespace Orvane::cli {
 namespace {
 
-constexpr auto kDone = ExitStatus::kDone;
-constexpr auto kFailed = ExitStatus::kFailed;
-constexpr auto kNoConnection = ExitStatus::kNoConnection;
-constexpr auto kNotFound = ExitStatus::kNotFound;
-constexpr auto kRefused = ExitStatus::kRefused;
-constexpr auto kGaveUp = ExitStatus::kGaveUp;
-
 constexpr const char* kVerifyNext = "see when it is back with: orvane passthru verify --bay BAY";
 constexpr const char* kRestartNext = "the new firmware runs after: orvane passthru reboot --bay BAY";
 

@@ -38,6 +38,7 @@ Result FindResult(const ResultTable& table, int code, const std::vector<Log::Rec
 
 const ResultTable& CmmUpdateResults();
 const ResultTable& CmmRebootResults();
+const ResultTable& CmmRebootNoWaitResults();
 const ResultTable& SwitchUpdateResults();
 const ResultTable& SwitchActivateResults();
 const ResultTable& SwitchRebootResults();

@@ -4,13 +4,6 @@
 namespace Orvane::cli {
 namespace {
 
-constexpr auto kDone = ExitStatus::kDone;
-constexpr auto kFailed = ExitStatus::kFailed;
-constexpr auto kNoConnection = ExitStatus::kNoConnection;
-constexpr auto kNotFound = ExitStatus::kNotFound;
-constexpr auto kRefused = ExitStatus::kRefused;
-constexpr auto kGaveUp = ExitStatus::kGaveUp;
-
 constexpr const char* kStateChanged = "Invoke method 'RequestStateChange': Completed with No Error";
 constexpr const char* kSkipped = "deferedupdatesupported==null or 0 and have fallback section";
 constexpr const char* kNoDeferredConnection = "cmm connection error while getting deferedupdatesupported property";

@@ -20,8 +20,15 @@ constexpr seconds kReminder{300};
 
 double InSeconds(milliseconds duration) { return std::chrono::duration<double>(duration).count(); }
 
-std::string Head(const ProgressState& state) {
-  return ElapsedText(state.elapsed) + "  " + state.target + ": " + state.step;
+std::string Head(const ProgressState& state, bool withTarget = true) {
+  return ElapsedText(state.elapsed) + "  " + (withTarget ? state.target + ": " : "") + state.step;
+}
+
+// The bound comes first: what a narrow terminal cuts off is the rest.
+std::string Waiting(const ProgressState& state) {
+  if (state.waitsFor.empty()) return {};
+  return "; waiting " + (state.atMost.count() == 0 ? "without limit" : "at most " + DurationText(state.atMost)) +
+         " for " + state.waitsFor;
 }
 
 class PlainReporter : public Reporter {
@@ -59,11 +66,10 @@ class LiveReporter : public Reporter {
     if (event.kind == EventKind::kStepEnd) {
       // The step stays on the screen above the live line, with the time it took.
       const auto took = std::chrono::duration_cast<seconds>(state.stepElapsed);
-      Draw(Head(state) + " (" + DurationText(took) + ")");
-      WriteAll(fd_, "\n");
+      WriteAll(fd_, "\r\x1B[K" + Head(state) + " (" + DurationText(took) + ")\n");
       drawn_ = false;
     } else if (event.kind != EventKind::kMessage) {
-      Draw(StatusLine(state));
+      Draw(state);
     }
   }
 
@@ -73,13 +79,16 @@ class LiveReporter : public Reporter {
   }
 
  private:
-  void Draw(const std::string& text) {
+  // Of a line that is too long the target goes first: it is the same in every line.
+  void Draw(const ProgressState& state) {
     constexpr std::size_t kUsualWidth = 80;
     winsize size = {};
     const bool known = ioctl(fd_, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
     // One column stays free: a cursor behind the last one would begin a new line.
     const std::size_t width = (known ? size.ws_col : kUsualWidth) - 1;
-    WriteAll(fd_, "\r\x1B[K" + Truncate(text, width));
+    std::string text = StatusLine(state);
+    if (DisplayWidth(text) > width) text = Truncate(Head(state, /*withTarget=*/false) + Waiting(state), width);
+    WriteAll(fd_, "\r\x1B[K" + text);
     drawn_ = true;
   }
 
@@ -140,15 +149,7 @@ class JsonLinesReporter : public Reporter {
 
 }  // namespace
 
-std::string StatusLine(const ProgressState& state) {
-  std::string line = Head(state);
-  if (state.waitsFor.empty()) return line;
-  // The bound comes first: what a narrow terminal cuts off is the rest.
-  line += "; waiting ";
-  line += state.atMost.count() == 0 ? "without limit" : "at most " + DurationText(state.atMost);
-  line += " for " + state.waitsFor;
-  return line;
-}
+std::string StatusLine(const ProgressState& state) { return Head(state) + Waiting(state); }
 
 std::unique_ptr<Reporter> MakeReporter(ProgressMode mode, int fd) {
   switch (mode) {

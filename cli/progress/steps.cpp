@@ -15,6 +15,9 @@ constexpr std::string_view kJob = "job";
 constexpr std::string_view kJobLine = "Parameter Name: Job, Parameter Value: ";
 
 constexpr Step kSteps[] = {
+    // Every method but the installations on modules, just before its request is sent.
+    {"cmm_peg_client", "Invoke Cim Method", {}, {}, 0s, Stage::kAsking},
+
     // Every installation: what its job's identifier is found in.
     {"cmm_update_imp", kJobLine, "installing the package", kJob, 23000s, Stage::kJobRunning},
     {{}, kJobLine, "installing the package", kJob, 0s, Stage::kJobRunning},
@@ -26,7 +29,7 @@ constexpr Step kSteps[] = {
      kManagementModule,
      3s,
      Stage::kUnchanged},
-    {{}, "installupdate targetinstance ", "asking for the installation", kManagementModule, 3s, Stage::kAsking},
+    {{}, "installupdate targetinstance ", "asking for the installation", kManagementModule, 3s, Stage::kUnchanged},
     {{}, "Installing job finished", {}, {}, 0s, Stage::kJobEnded},
     {{}, "No need to reboot CMM now", {}, {}, 0s, Stage::kJobEnded},
     {{},
@@ -38,7 +41,7 @@ constexpr Step kSteps[] = {
 
     // CMM reboot.
     {{}, "Reboot CMM...", "checking that the CMM can be restarted", kManagementModule, 20s, Stage::kUnchanged},
-    {{}, "The CMM is ready to restart.", "asking the CMM to restart", {}, 0s, Stage::kAsking},
+    {{}, "The CMM is ready to restart.", "asking the CMM to restart", {}, 0s, Stage::kUnchanged},
     {"cmm_reboot", "Invoke method 'RequestStateChange',", "restarting the CMM", "the CMM to go down", 122s,
      Stage::kStateRequested},
     {{}, "Waiting for CMM reboot success!", "restarting the CMM", "the CMM to answer again", 4000s, Stage::kUnchanged},
@@ -67,8 +70,8 @@ constexpr Step kSteps[] = {
      kManagementModule,
      2s,
      Stage::kUnchanged},
-    {{}, "RequestedStates: 11", "asking the switch to restart", {}, 0s, Stage::kAsking},
-    {{}, "RequestedStates: 32769", "asking for the reseat of the switch", {}, 0s, Stage::kAsking},
+    {{}, "RequestedStates: 11", "asking the switch to restart", {}, 0s, Stage::kUnchanged},
+    {{}, "RequestedStates: 32769", "asking for the reseat of the switch", {}, 0s, Stage::kUnchanged},
     {{}, "Invoke method 'RequestStateChange',", {}, {}, 0s, Stage::kStateRequested},
     {{},
      "rebooting I/O Module switch successfully!",
@@ -92,7 +95,7 @@ constexpr Step kSteps[] = {
      Stage::kPreparing},
     {{}, "installupdate targetinstance", "asking for the installation", kManagementModule, 2s, Stage::kAsking},
     {{}, "Update Finish And the Jobstatus is", {}, {}, 0s, Stage::kJobEnded},
-    {{}, "The Pass-Thru is ready to change state.", "asking the module to change its state", {}, 0s, Stage::kAsking},
+    {{}, "The Pass-Thru is ready to change state.", "asking the module to change its state", {}, 0s, Stage::kUnchanged},
 
     // Switch and pass-through module.
     {{},
@@ -103,7 +106,7 @@ constexpr Step kSteps[] = {
      Stage::kUnchanged},
 
     // Blade.
-    {{}, "PowerState: 32769", "asking for the reseat of the node", {}, 0s, Stage::kAsking},
+    {{}, "PowerState: 32769", "asking for the reseat of the node", {}, 0s, Stage::kUnchanged},
     {{}, "Invoke method 'RequestPowerStateChange' retCode:", {}, {}, 0s, Stage::kStateRequested},
 };
 

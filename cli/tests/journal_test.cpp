@@ -39,8 +39,8 @@ class JournalTest : public ::testing::Test {
 TEST_F(JournalTest, HoldsALineForEachRecordWithTheTimeInFront) {
   Journal journal(folder_ / "journal");
 
-  EXPECT_TRUE(journal.Append({{"event", "started"}}));
-  EXPECT_TRUE(journal.Append({{"event", "finished"}, {"code", 0}}));
+  EXPECT_FALSE(journal.Append({{"event", "started"}}));
+  EXPECT_FALSE(journal.Append({{"event", "finished"}, {"code", 0}}));
 
   const std::vector<Json> lines = Lines();
   ASSERT_EQ(lines.size(), 2U);
@@ -82,7 +82,36 @@ TEST_F(JournalTest, ThatCannotBeOpenedIsWrongUsage) {
   }
 }
 
-TEST_F(JournalTest, TellsWhenARecordIsNotOnTheDisk) { EXPECT_FALSE(Journal("/dev/full").Append({{"event", "x"}})); }
+TEST_F(JournalTest, TellsWhyARecordIsNotOnTheDisk) {
+  EXPECT_EQ(Journal("/dev/full").Append({{"event", "x"}}), std::errc::no_space_on_device);
+}
+
+// What a process that was killed or a full disk leaves behind.
+TEST_F(JournalTest, LeavesATornLineALineOfItsOwn) {
+  const std::string torn = R"({"time":"2026-11-21T17:30:03.804Z","event":"sta)";
+  Journal(folder_ / "journal").Append({{"run", 1}});
+  std::ofstream(folder_ / "journal", std::ios::app) << torn;
+
+  Journal journal(folder_ / "journal");
+  journal.Append({{"run", 2}});
+  journal.Append({{"run", 3}});
+
+  std::ifstream file(folder_ / "journal");
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(file, line);) lines.push_back(line);
+  ASSERT_EQ(lines.size(), 4U);
+  EXPECT_EQ(Json::parse(lines[0])["run"], 1);
+  EXPECT_EQ(lines[1], torn);
+  EXPECT_EQ(Json::parse(lines[2])["run"], 2);
+  EXPECT_EQ(Json::parse(lines[3])["run"], 3);
+}
+
+TEST_F(JournalTest, ThatMayOnlyBeWrittenIsAppendedTo) {
+  { const Journal journal(folder_ / "journal"); }
+  ASSERT_EQ(chmod((folder_ / "journal").c_str(), 0200), 0);
+
+  EXPECT_FALSE(Journal(folder_ / "journal").Append({{"run", 1}}));
+}
 
 }  // namespace
 }  // namespace Orvane::cli

@@ -128,7 +128,7 @@ TEST_F(ProgressTest, ALiveLineIsRewrittenAndLeavesTheFinishedSteps) {
   const std::string shown = Shown(ProgressMode::kLive, Install);
 
   EXPECT_THAT(shown, HasSubstr("\r\x1B[K0:01  switch in bay 3: looking for the installation service (1 s)\n"));
-  EXPECT_THAT(shown, HasSubstr("\r\x1B[K0:21  switch in bay 3: installing the package; waiting without l"));
+  EXPECT_THAT(shown, HasSubstr("\r\x1B[K0:21  installing the package; waiting without limit for job JOB_17"));
   EXPECT_THAT(shown, EndsWith("\r\x1B[K5:11  switch in bay 3: installing the package (5 min 10 s)\n"));
 }
 
@@ -138,7 +138,7 @@ TEST_F(ProgressTest, ALiveLineGoesAwayBeforeAnythingElseIsWritten) {
     progress.Clear();
   });
 
-  EXPECT_THAT(shown, HasSubstr("at most 30 s for the …\r\x1B[K\r\x1B[K"));
+  EXPECT_THAT(shown, HasSubstr("at most 30 s for the CMM\r\x1B[K\r\x1B[K"));
 }
 
 TEST_F(ProgressTest, SilencedShowsNothingMoreButGoesOnFollowing) {
@@ -180,15 +180,15 @@ TEST_F(ProgressTest, KnowsWhatCannotBeTakenBack) {
   Shown(ProgressMode::kPlain, [&](Progress& progress) {
     for (const char* line : {"Enter SwitchIOUpdateByCIM::installPackage.", "Successfully get the IO target instance: x",
                              kJobReference, "Update completed successfully and the message is x", "RequestedStates: 11",
-                             "Invoke method 'RequestStateChange',return CIMValue string = 0"}) {
-      progress.OnRecord(Line(line));
+                             "Invoke Cim Method", "Invoke method 'RequestStateChange',return CIMValue string = 0"}) {
+      progress.OnRecord(Line(line, "cmm_peg_client"));
       stages.push_back(progress.Current().stage);
     }
     EXPECT_THAT(progress.Current().jobs, ElementsAre("JOB_17"));
   });
 
   EXPECT_THAT(stages, ElementsAre(Stage::kPreparing, Stage::kAsking, Stage::kJobRunning, Stage::kJobEnded,
-                                  Stage::kAsking, Stage::kStateRequested));
+                                  Stage::kJobEnded, Stage::kAsking, Stage::kStateRequested));
 }
 
 TEST(JobInLine, IsCutAsTheLibraryCutsIt) {

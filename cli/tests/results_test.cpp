@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/operations/lost_contact.h"
 #include "cli/operations/operation.h"
 
 namespace Orvane::cli {
@@ -28,14 +29,21 @@ Log::Record Line(const std::string& text) {
   return record;
 }
 
-const Operation& Named(const std::string& name) {
-  const auto& all = Operations();
-  return *std::find_if(all.begin(), all.end(), [&](const Operation& operation) { return operation.name == name; });
+// Every table with the heading that it has in the document.
+std::map<std::string, const ResultTable*> AllTables() {
+  std::map<std::string, const ResultTable*> tables;
+  for (const Operation& operation : Operations()) {
+    tables[operation.name] = &operation.results();
+    if (operation.resultsWithoutWait != nullptr) {
+      tables[std::string(operation.name) + " --no-wait"] = &operation.resultsWithoutWait();
+    }
+  }
+  return tables;
 }
 
 std::set<int> CodesOf(const std::string& name) {
   std::set<int> codes;
-  for (const ResultRow& row : Named(name).results()) {
+  for (const ResultRow& row : *AllTables().at(name)) {
     if (row.code != kEveryOtherCode) codes.insert(row.code);
   }
   return codes;
@@ -56,6 +64,7 @@ TEST_P(CodesOfAnOperation, AreAllThere) { EXPECT_EQ(CodesOf(GetParam().operation
 INSTANTIATE_TEST_SUITE_P(
     All, CodesOfAnOperation,
     ::testing::Values(Codes{"cmm update", {0, 1, 2, 6, 7, 8, 9}}, Codes{"cmm reboot", {-1, 0, 1, 2, 7, 9}},
+                      Codes{"cmm reboot --no-wait", {-1, 0, 1, 2, 7, 9}},
                       Codes{"switch update", {0,  1,  2,  5,  7,  8,  9,  10, 11, 12, 13, 14, 15,
                                               16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 35}},
                       Codes{"switch activate", {0, 1, 2, 3}},
@@ -69,40 +78,40 @@ INSTANTIATE_TEST_SUITE_P(
                       Codes{"blade reseat", {-6, -5, -4, -3, -2, -1, 0, 1, 3, 5, 6, 7, 8, 9, 10, 11, 12}}),
     [](const auto& test) {
       std::string name = test.param.operation;
-      std::replace(name.begin(), name.end(), ' ', '_');
+      std::replace_if(
+          name.begin(), name.end(), [](char c) { return c == ' ' || c == '-'; }, '_');
       return name;
     });
 
 TEST(ResultTables, EndWithTheRowForEveryOtherCode) {
-  for (const Operation& operation : Operations()) {
-    const ResultTable& table = operation.results();
-    ASSERT_FALSE(table.empty()) << operation.name;
-    EXPECT_EQ(table.back().code, kEveryOtherCode) << operation.name;
-    EXPECT_EQ(table.back().line, nullptr) << operation.name;
+  for (const auto& [name, table] : AllTables()) {
+    ASSERT_FALSE(table->empty()) << name;
+    EXPECT_EQ(table->back().code, kEveryOtherCode) << name;
+    EXPECT_EQ(table->back().line, nullptr) << name;
   }
 }
 
 TEST(ResultTables, HaveNoRowThatIsNeverReached) {
-  for (const Operation& operation : Operations()) {
+  for (const auto& [name, table] : AllTables()) {
     std::set<int> closed;
     std::set<std::pair<int, std::string>> seen;
-    for (const ResultRow& row : operation.results()) {
-      EXPECT_EQ(closed.count(row.code), 0U) << operation.name << " " << row.code << " " << row.text;
+    for (const ResultRow& row : *table) {
+      EXPECT_EQ(closed.count(row.code), 0U) << name << " " << row.code << " " << row.text;
       if (row.line == nullptr) {
         closed.insert(row.code);
       } else {
-        EXPECT_TRUE(seen.emplace(row.code, row.line).second) << operation.name << " " << row.line;
+        EXPECT_TRUE(seen.emplace(row.code, row.line).second) << name << " " << row.line;
       }
     }
   }
 }
 
 TEST(ResultTables, SayWhatToDoAboutEveryFailure) {
-  for (const Operation& operation : Operations()) {
-    for (const ResultRow& row : operation.results()) {
-      EXPECT_STRNE(row.text, "") << operation.name << " " << row.code;
+  for (const auto& [name, table] : AllTables()) {
+    for (const ResultRow& row : *table) {
+      EXPECT_STRNE(row.text, "") << name << " " << row.code;
       if (row.status != ExitStatus::kDone) {
-        EXPECT_STRNE(row.advice, "") << operation.name << " " << row.code;
+        EXPECT_STRNE(row.advice, "") << name << " " << row.code;
       }
     }
   }
@@ -126,7 +135,7 @@ TEST_P(FindResultOf, TakesTheMostTellingRow) {
   std::vector<Log::Record> records;
   for (const std::string& line : decided.lines) records.push_back(Line(line));
 
-  EXPECT_EQ(FindResult(Named(decided.operation).results(), decided.code, records).row->status, decided.status);
+  EXPECT_EQ(FindResult(*AllTables().at(decided.operation), decided.code, records).row->status, decided.status);
 }
 
 const char* const kJob = "Parameter Name: Job, Parameter Value: C.InstanceID=\"JOB_1\"";
@@ -155,6 +164,9 @@ INSTANTIATE_TEST_SUITE_P(
         Decided{"cmm update", 7, {}, ExitStatus::kNotFound}, Decided{"cmm update", 8, {kJob}, ExitStatus::kGaveUp},
         Decided{"cmm update", 99, {}, ExitStatus::kFailed},
         Decided{"cmm reboot", 0, {"CMM is doing reboot operation!"}, ExitStatus::kDone},
+        Decided{"cmm reboot --no-wait", 0, {"CMM is doing reboot operation!"}, ExitStatus::kDone},
+        Decided{"cmm reboot --no-wait", 0, {}, ExitStatus::kFailed},
+        Decided{"cmm reboot --no-wait", 1, {"Connect CIMMOM Failed. RC: -4"}, ExitStatus::kNoConnection},
         Decided{"cmm reboot", 0, {}, ExitStatus::kFailed}, Decided{"cmm reboot", 1, {}, ExitStatus::kGaveUp},
         Decided{"cmm reboot", 1, {"Connect CIMMOM Failed. RC: -4"}, ExitStatus::kNoConnection},
         Decided{"cmm reboot", 9, {}, ExitStatus::kNotFound},
@@ -211,7 +223,8 @@ std::map<std::string, std::vector<std::string>> DocumentedRows() {
   std::string heading;
   for (std::string line; std::getline(file, line);) {
     if (line.rfind("## ", 0) == 0) heading = line.substr(3);
-    const bool isRow = line.rfind("| ", 0) == 0 && line.rfind("| code |", 0) != 0 && line.rfind("| pattern |", 0) != 0;
+    const bool isRow = line.rfind("| ", 0) == 0 && line.rfind("| code |", 0) != 0 &&
+                       line.rfind("| pattern |", 0) != 0 && line.rfind("| cause |", 0) != 0;
     if (isRow) rows[heading].push_back(line);
   }
   return rows;
@@ -232,17 +245,36 @@ std::string RowText(const ResultRow& row) {
 
 TEST(ReturnCodesDocument, ShowsTheTablesOfEveryOperation) {
   auto documented = DocumentedRows();
-  for (const Operation& operation : Operations()) {
+  for (const auto& [name, table] : AllTables()) {
     std::vector<std::string> rows;
-    for (const ResultRow& row : operation.results()) rows.push_back(RowText(row));
-    EXPECT_THAT(documented[operation.name], ElementsAreArray(rows)) << operation.name;
-    documented.erase(operation.name);
+    for (const ResultRow& row : *table) rows.push_back(RowText(row));
+    EXPECT_THAT(documented[name], ElementsAreArray(rows)) << name;
+    documented.erase(name);
   }
   std::vector<std::string> others;
   others.reserve(documented.size());
   for (const auto& [heading, rows] : documented) others.push_back(heading);
-  EXPECT_THAT(others, UnorderedElementsAreArray({"Texts of GetUpdateResultMessage", "Texts of GetUpdateErrorMessage",
-                                                 "Failed jobs: CheckUpdateErrorCode"}));
+  EXPECT_THAT(others,
+              UnorderedElementsAreArray({"Connections that broke off", "Texts of GetUpdateResultMessage",
+                                         "Texts of GetUpdateErrorMessage", "Failed jobs: CheckUpdateErrorCode"}));
+}
+
+TEST(ReturnCodesDocument, ShowsWhatConnectionsThatBrokeOffMean) {
+  std::vector<std::string> rows;
+  for (const LostContact& row : LostContacts()) {
+    rows.push_back(std::string("| ") + row.cause + " | " + row.advice + " | " + std::to_string(ToInt(row.status)) +
+                   " |");
+  }
+
+  EXPECT_THAT(DocumentedRows().at("Connections that broke off"), ElementsAreArray(rows));
+}
+
+TEST(LostContacts, AreAllCausesThatConcernTheTalkButARefusedUser) {
+  for (const CauseKind kind :
+       {CauseKind::kNone, CauseKind::kUnknownHost, CauseKind::kNoConnection, CauseKind::kRefused, CauseKind::kNotReady,
+        CauseKind::kTimeout, CauseKind::kClosed, CauseKind::kNotCim, CauseKind::kOther}) {
+    EXPECT_EQ(FindLostContact(kind) != nullptr, IsHard(kind) && kind != CauseKind::kRefused);
+  }
 }
 
 TEST(ReturnCodesDocument, ShowsTheTextsOfTheLibrary) {

@@ -120,8 +120,9 @@ int TarnPassThruUpdate::FindServices(Array<CIMInstance>& services) {
       client_.Disconnect();
       return *result;
     }
-  } catch (const Pegasus::Exception&) {
+  } catch (const Pegasus::Exception& error) {
     ORVANE_LOG(kLogError) << "unknown error happened when enumerate Instance";
+    ORVANE_LOG(kLogDetail) << kEnumerationFailed << ErrorText(error);
   }
   return passthru::kOk;
 }
