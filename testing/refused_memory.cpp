@@ -64,6 +64,8 @@ std::size_t Allocations() { return allocations; }
 
 std::size_t PeakBytes() { return static_cast<std::size_t>(peakBytes); }
 
+std::ptrdiff_t HeldBytes() { return heldBytes; }
+
 }  // namespace Orvane::testing
 
 void* operator new(std::size_t size) {

@@ -25,5 +25,8 @@ std::size_t Allocations();
 /// The most bytes by which what the calling thread holds has exceeded what it held when it began to count. Memory that
 /// another thread frees stays counted.
 std::size_t PeakBytes();
+/// By how many bytes what the calling thread holds exceeds what it held when it began to count; not negative unless it
+/// has freed more than it took.
+std::ptrdiff_t HeldBytes();
 
 }  // namespace Orvane::testing

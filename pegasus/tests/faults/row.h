@@ -120,15 +120,17 @@ class FaultRow {
  private:
   using Clock = std::chrono::steady_clock;
 
-  /// What the row is about, and which one it is.
+  static std::string WithoutParameter(const std::string& name) { return name.substr(0, name.find('/')); }
+
+  /// What the row is about, and which one it is: the parameter says it, unless several tests have the same parameters.
   static std::string Name() {
-    const ::testing::TestInfo& test = *::testing::UnitTest::GetInstance()->current_test_info();
-    const std::string suite = test.test_suite_name();
-    const std::string name = test.name();
-    const std::size_t prefix = suite.find('/');
+    const ::testing::TestSuite& suite = *::testing::UnitTest::GetInstance()->current_test_suite();
+    const std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    const std::string first = suite.GetTestInfo(0)->name();
+    const std::string last = suite.GetTestInfo(suite.total_test_count() - 1)->name();
     const std::size_t parameter = name.find('/');
-    if (prefix == std::string::npos || parameter == std::string::npos) return suite + " | " + name;
-    return suite.substr(0, prefix) + " | " + name.substr(parameter + 1);
+    const bool isTold = parameter == std::string::npos || WithoutParameter(first) != WithoutParameter(last);
+    return WithoutParameter(suite.name()) + " | " + (isTold ? name : name.substr(parameter + 1));
   }
 
   RowLimits limits_;
