@@ -1,4 +1,5 @@
 // The part of the object decoder that reads values.
+#include <algorithm>
 #include <limits>
 #include <string>
 #include <type_traits>
@@ -63,8 +64,10 @@ template <typename T>
 T ObjectDecoder::ParseRealNumber(std::string_view text) const {
   const auto value = ParseReal(text);
   constexpr auto kMax = static_cast<double>(std::numeric_limits<T>::max());
-  if (!value || *value > kMax || *value < -kMax) reader_.FailSemantic("Invalid real number value");
-  return static_cast<T>(*value);
+  // The greatest Real32, written in nine digits, comes out a little greater than it is; what rounds to it is it.
+  constexpr double kMaxRounded = std::is_same_v<T, Real32> ? 0x1.fffffefffffffp127 : kMax;
+  if (!value || *value > kMaxRounded || *value < -kMaxRounded) reader_.FailSemantic("Invalid real number value");
+  return static_cast<T>(std::clamp(*value, -kMax, kMax));
 }
 
 bool ObjectDecoder::ParseTruth(std::string_view text) const {
