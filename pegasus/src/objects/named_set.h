@@ -14,35 +14,39 @@
 #include <utility>
 
 #include "base/pool.h"
+#include "base/seeded_hash.h"
 #include "objects/internal.h"
 
 namespace Pegasus::objects {
 
-/// Hash of a name that is the same for all spellings in ASCII case. Takes four units at a time; setting the bit in
-/// which upper and lower case differ also merges some other characters, which costs a comparison at worst.
+/// The bit in which upper and lower case differ, for each of four UTF-16 units that is ASCII.
+inline std::uint64_t CaseBits(std::uint64_t units) {
+  constexpr std::uint64_t kTop = 0x8000800080008000U;
+  constexpr std::uint64_t kBeyondAscii = 0xFF80FF80FF80FF80U;
+  constexpr unsigned kTopToCase = 10;
+  const std::uint64_t beyond = units & kBeyondAscii;
+  return (~(((beyond & ~kTop) + ~kTop) | beyond) & kTop) >> kTopToCase;
+}
+
+/// Hash of a name that is the same for all spellings in ASCII case. Takes four units at a time; what the case bit
+/// merges beside letters stands in no name.
 inline Uint32 HashName(const String& name) {
-  constexpr std::uint64_t kCaseBits = 0x0020002000200020U;
-  constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15U;
   constexpr Uint32 kStep = 4;
   const Char16* const units = name.getChar16Data();
   const Uint32 count = name.size();
-  std::uint64_t hash = count;
-  const auto mix = [&hash](std::uint64_t word) {
-    hash = (hash ^ (word | kCaseBits)) * kFactor;
-    hash ^= hash >> 32U;
-  };
+  internal::SeededHash hash(count);
   Uint32 i = 0;
   for (; count - i >= kStep; i += kStep) {
     std::uint64_t word = 0;
     std::memcpy(&word, units + i, sizeof word);
-    mix(word);
+    hash.Mix(word | CaseBits(word));
   }
   std::uint64_t rest = 0;
   for (; i < count; ++i) {
     rest = (rest << 16U) | static_cast<Uint16>(units[i]);
   }
-  mix(rest);
-  return static_cast<Uint32>(hash);
+  hash.Mix(rest | CaseBits(rest));
+  return static_cast<Uint32>(hash.Result());
 }
 
 /// Handle: one whose body has the members `name` and `containers`. A handle in a set counts it as a container, which

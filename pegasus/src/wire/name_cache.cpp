@@ -1,10 +1,10 @@
 // The cache: the names in the order in which they were met, and a hash table over them.
 #include "wire/name_cache.h"
 
-#include <functional>
 #include <utility>
 
 #include "base/name_access.h"
+#include "base/seeded_hash.h"
 
 namespace Pegasus::wire {
 namespace {
@@ -36,7 +36,7 @@ const CIMName* NameCache::Find(std::string_view text) {
 
 std::size_t NameCache::FindSlot(std::string_view text) const {
   const std::size_t mask = table_.size() - 1;
-  std::size_t slot = std::hash<std::string_view>()(text) & mask;
+  std::size_t slot = internal::HashText(text) & mask;
   while (table_[slot] != 0 && entries_[table_[slot] - 1].text != text) slot = (slot + 1) & mask;
   return slot;
 }

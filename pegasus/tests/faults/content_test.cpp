@@ -106,6 +106,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "<PROPERTY.REFERENCE NAME=\"P\"><VALUE.REFERENCE><INSTANCENAME CLASSNAME=\"CIM_Bar\"/>"
                     "</VALUE.REFERENCE></PROPERTY.REFERENCE>",
                     "reference CIM_Bar"},
+        PropertyRow{"GreatestReal32InNineDigits", Property("real32", "3.4028235e+38"), "real32 3.4028234663852886e+38"},
         PropertyRow{"NumberThatFits", Property("uint16", "5"), "uint16 5"}),
     [](const auto& row) { return std::string(row.param.name); });
 
@@ -167,8 +168,8 @@ INSTANTIATE_TEST_SUITE_P(Content, NumberBounds,
                                            IntegerRow<Uint16>("uint16"), IntegerRow<Sint16>("sint16"),
                                            IntegerRow<Uint32>("uint32"), IntegerRow<Sint32>("sint32"),
                                            IntegerRow<Uint64>("uint64"), IntegerRow<Sint64>("sint64"),
-                                           NumberRow{"real32", "real32", "-3.4028235e+38", "3.4028235e+38",
-                                                     "-3.4028236e+38", "3.4028236e+38"},
+                                           NumberRow{"real32", "real32", "-3.4028234663852886e+38",
+                                                     "3.4028234663852886e+38", "-3.4028236e+38", "3.4028236e+38"},
                                            NumberRow{"real64", "real64", "-1.7976931348623157e+308",
                                                      "1.7976931348623157e+308", "-1.8e+308", "1.8e+308"}),
                          [](const auto& row) { return row.param.name; });
