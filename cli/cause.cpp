@@ -20,7 +20,6 @@ constexpr std::string_view kResultOfConnect = " RC: ";
 
 // Prefixes that the session puts before an exception's message; other sources log the message bare or after " Error:".
 constexpr std::string_view kPrefixes[] = {
-    kEnumerationFailed,
     "Client HTTP Exception: ",
     "EnumerateInstances Exception: ",
     "Pegasus Exception: ",
@@ -87,10 +86,6 @@ constexpr MessageCause kMessages[] = {
 
 bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
-bool TellsAnError(const Log::Record& record) {
-  return record.level == 1 || StartsWith(record.text, kEnumerationFailed);
-}
-
 std::string_view WithoutPrefix(std::string_view text) {
   for (const std::string_view prefix : kPrefixes) {
     if (StartsWith(text, prefix)) return text.substr(prefix.size());
@@ -141,7 +136,7 @@ Cause FindConnectCause(const std::vector<Log::Record>& records) {
 Cause FindCause(const std::vector<Log::Record>& records) {
   Cause soft;
   for (const Log::Record& record : records) {
-    if (!TellsAnError(record) || ConnectFailure(record.text) || TellsNoCause(record.text)) continue;
+    if (record.level != 1 || ConnectFailure(record.text) || TellsNoCause(record.text)) continue;
     Cause cause = ClassifyMessage(record.text);
     if (IsHard(cause.kind)) return cause;
     if (soft.kind == CauseKind::kNone || StartsWith(record.text, kJobsWords)) soft = std::move(cause);
@@ -153,7 +148,7 @@ Cause FindCause(const std::vector<Log::Record>& records) {
 
 Cause FindRefusal(const std::vector<Log::Record>& records) {
   for (const Log::Record& record : records) {
-    if (!TellsAnError(record)) continue;
+    if (record.level != 1) continue;
     if (Cause cause = ClassifyMessage(record.text); cause.kind == CauseKind::kRefused) return cause;
   }
   return {};

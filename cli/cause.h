@@ -10,9 +10,6 @@
 
 namespace Orvane::cli {
 
-/// Begins the one kind of detail line that tells a cause: the module updates log some errors without their message.
-constexpr std::string_view kEnumerationFailed = "The enumeration failed: ";
-
 enum class CauseKind {
   kNone,          ///< The records show no failure.
   kUnknownHost,   ///< The host's name has no address.

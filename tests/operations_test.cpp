@@ -420,16 +420,6 @@ INSTANTIATE_TEST_SUITE_P(
         Faulty{"UserMayNotInstall",
                R"({"request": {"method": "InstallFromURI"}, "effect": {"kind": "cimError", "code": 2}})", kSwitchUpdate,
                5, "the management module denied access"},
-        Faulty{"UserRefusedWhereOnlyThePassThrusServiceIsRead",
-               R"({"request": {"class": "CIM_SoftwareInstallationService"},
-                   "effect": {"kind": "httpStatus", "status": 401}})",
-               kPassThruUpdate, 5, "user or password was refused (code 212: HTTP Error (401"},
-        Faulty{"UserRefusedWhereOnlyTheSwitchsImagesAreRead",
-               R"({"request": {"operation": "EnumerateInstances", "class": "VORTA_IOMElementFirmwareIdentity"},
-                   "effect": {"kind": "httpStatus", "status": 401}})",
-               {"switch", "activate", "--bay", "1"},
-               5,
-               "user or password was refused (code 3: HTTP Error (401"},
         Faulty{"CmmClosesWhereItsServiceIsRead",
                R"({"request": {"class": "CIM_SoftwareInstallationService"}, "effect": {"kind": "dropBeforeAnswer"}})",
                kCmmUpdate, 3,
@@ -438,13 +428,6 @@ INSTANTIATE_TEST_SUITE_P(
         Faulty{"CmmClosesWhereTheSwitchsServiceIsRead",
                R"({"request": {"class": "CIM_SoftwareInstallationService"}, "effect": {"kind": "dropBeforeAnswer"}})",
                kSwitchUpdate, 3, "nothing was installed: the connection was closed before an answer came (code 2"},
-        Faulty{"CmmClosesWhereThePassThrusServiceIsRead",
-               R"({"request": {"class": "CIM_SoftwareInstallationService"}, "effect": {"kind": "dropBeforeAnswer"}})",
-               kPassThruUpdate, 3, "nothing was installed: the connection was closed before an answer came (code 212"},
-        Faulty{"CmmIsNotReadyWhereThePassThrusServiceIsRead",
-               R"({"request": {"class": "CIM_SoftwareInstallationService"},
-                   "effect": {"kind": "httpStatus", "status": 503}})",
-               kPassThruUpdate, 4, "nothing was installed: the CIM server is not ready (code 212: HTTP Error (503"},
         Faulty{"CmmClosesWhereTheSecondPackagesServiceIsRead",
                R"({"request": {"class": "CIM_SoftwareInstallationService", "occurrence": 2},
                    "effect": {"kind": "dropBeforeAnswer"}})",
@@ -611,7 +594,8 @@ TEST(Faults, AQuestionWhoseAnswerIsLostIsNoAnswer) {
   const Result result = Simulated({"--faults", faults, "switch", "ehcm", "--bay", "1"});
 
   EXPECT_EQ(result.status, 3) << result.errors;
-  EXPECT_THAT(result.errors, HasSubstr("no answer was found: the connection was closed before an answer came (code 29"));
+  EXPECT_THAT(result.errors,
+              HasSubstr("no answer was found: the connection was closed before an answer came (code 29"));
 }
 
 TEST(Faults, ADelayedAnswerIsWaitedForInTheTimeOfTheChassis) {

@@ -36,6 +36,9 @@ constexpr const char* kOfferedUnknown = "not known before the management module 
 // The code of every update and activation that was given no connection.
 constexpr int kNoConnectionCode = 1;
 
+// What the library logs, without the reason, when it cannot read a pass-through module's installation service.
+constexpr const char* kServiceNotRead = "unknown error happened when enumerate Instance";
+
 // What the library logs when a switch's job has done its work.
 constexpr const char* kInstalledLine = "Update completed successfully and the message is ";
 
@@ -305,7 +308,7 @@ void OperationRun::ConsiderLostContact(const Context& context, const Cause& foun
   const Progress::Snapshot reached = progress_->Current();
   const bool asking = reached.stage == Stage::kAsking;
   // Without its service, which is read first, an installation on a module is not asked for.
-  const bool preparing = reached.stage == Stage::kPreparing || (asking && context.log.Holds(kEnumerationFailed));
+  const bool preparing = reached.stage == Stage::kPreparing || (asking && context.log.Holds(kServiceNotRead));
   ending.asked = !preparing || !reached.jobs.empty();
   const bool vague = ending.status == ExitStatus::kFailed || ending.status == ExitStatus::kNotFound;
   const LostContact* const lost = vague ? FindLostContact(found.kind) : nullptr;

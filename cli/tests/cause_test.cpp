@@ -66,17 +66,6 @@ TEST(FindCause, PrefersAFailureOfHttpToTheLinesThatFollowFromIt) {
   EXPECT_EQ(cause.kind, CauseKind::kNotReady);
 }
 
-// Lines of level 1 tell that these enumerations failed, a line of detail tells why.
-TEST(FindCause, TakesTheReasonOfAnEnumerationFromItsDetailLine) {
-  const std::vector<Log::Record> records = {
-      Line(1, "unknown error happened when enumerate Instance", "cmm/inventory_update/switch_PassThru_update"),
-      Line(4, "The enumeration failed: HTTP Error (401 Unauthorized).", "cmm/inventory_update/switch_PassThru_update")};
-
-  EXPECT_EQ(FindCause(records).kind, CauseKind::kRefused);
-  EXPECT_EQ(FindRefusal(records).kind, CauseKind::kRefused);
-  EXPECT_EQ(FindCause({Line(4, "HTTP Error (401 Unauthorized).")}).kind, CauseKind::kNone);
-}
-
 // The module updates put other blanks into these lines; behind one that failed, plain HTTP was tried.
 TEST(FindCause, KnowsTheAttemptsOfTheModuleUpdatesToConnect) {
   for (const char* attempt : {"Pegasus CannotConnectException:", "Pegasus CannotConnectException :"}) {

@@ -11,9 +11,6 @@
 
 namespace Orvane {
 
-/// Begins a detail line: why an enumeration failed whose own line does not say so.
-constexpr char kEnumerationFailed[] = "The enumeration failed: ";
-
 /// What a user of ModuleClient logs, and under which name. The texts stand before a message or value.
 struct ModuleClientTexts {
   const char* source;

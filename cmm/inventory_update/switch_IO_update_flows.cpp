@@ -128,7 +128,6 @@ int SwitchIOUpdateByCIM::activateNewImage(int bay) {
     identities = client_.EnumerateInstances(cim::kNamespace, cim::kVortaIOMElementFirmwareIdentity);
   } catch (...) {
     ORVANE_LOG(kLogError) << "Failed to collect instancesIOMElement instances.";
-    ORVANE_LOG(kLogDetail) << kEnumerationFailed << CurrentExceptionText();
     return kNothingToActivate;
   }
   ORVANE_LOG(kLogProgress) << "Succeeded to collect instancesIOMElement instances.";

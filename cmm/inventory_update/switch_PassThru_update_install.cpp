@@ -120,9 +120,8 @@ int TarnPassThruUpdate::FindServices(Array<CIMInstance>& services) {
       client_.Disconnect();
       return *result;
     }
-  } catch (const Pegasus::Exception& error) {
+  } catch (const Pegasus::Exception&) {
     ORVANE_LOG(kLogError) << "unknown error happened when enumerate Instance";
-    ORVANE_LOG(kLogDetail) << kEnumerationFailed << ErrorText(error);
   }
   return passthru::kOk;
 }

@@ -10,7 +10,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
-using ::testing::StartsWith;
 
 class PassThruInstall : public PassThruTest {
  protected:
@@ -203,13 +202,9 @@ class PassThruServiceOtherError : public PassThruInstall, public ::testing::With
 TEST_P(PassThruServiceOtherError, IsLoggedAndMeetsTheEmptyList) {
   server.OnEnumerate(kInstallationService, GetParam().answer);
   EXPECT_EQ(Install(), 212);
-  EXPECT_THAT(
-      Lines(),
-      ElementsAre("3 Enter TarnPassThruUpdate::installPackage_PassThru.",
-                  "3 Successfully connected to host : 127.0.0.1", "1 unknown error happened when enumerate Instance",
-                  StartsWith("4 The enumeration failed: "), std::string("3 installupdate targetinstance") + kModulePath,
-                  "1 Pegasus AlreadyConnectedException :already connected",
-                  "1 unknown error happened when invokeMethod index out of bounds"));
+  EXPECT_THAT(Lines(1), ElementsAre("unknown error happened when enumerate Instance",
+                                    "Pegasus AlreadyConnectedException :already connected",
+                                    "unknown error happened when invokeMethod index out of bounds"));
   EXPECT_TRUE(server.WaitUntilAllClosed());
 }
 

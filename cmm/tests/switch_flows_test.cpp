@@ -482,14 +482,9 @@ TEST_F(SwitchActivation, ImagesThatCannotBeReadAreThree) {
   server.OnEnumerate(kIdentityClass, CimError(2, "denied"), CimError(99, "odd"), Close(),
                      HttpStatus(401, "Unauthorized"));
 
-  const std::array<const char*, 4> reasons = {"denied", "odd", "Connection closed by CIM Server.",
-                                              "HTTP Error (401 Unauthorized)."};
-  for (std::size_t call = 0; call < reasons.size(); ++call) {
+  for (int call = 0; call < 4; ++call) {
     EXPECT_EQ(update.ActivateImage(kBay), 3);
-    const std::vector<std::string> lines = Lines();
-    ASSERT_GE(lines.size(), 2U);
-    EXPECT_EQ(lines[lines.size() - 2], "1 Failed to collect instancesIOMElement instances.");
-    EXPECT_EQ(lines.back(), std::string("4 The enumeration failed: ") + reasons.at(call));
+    EXPECT_EQ(Lines().back(), "1 Failed to collect instancesIOMElement instances.");
   }
   EXPECT_FALSE(HasLine(kFallbackFlag));
 }
