@@ -95,6 +95,7 @@ struct RawServer::Tls {
     if (options.minTls != 0) SSL_CTX_set_min_proto_version(context.get(), options.minTls);
     if (options.maxTls != 0) SSL_CTX_set_max_proto_version(context.get(), options.maxTls);
     UseSessions(options);
+    UseClientAuthority(options.clientAuthority);
     UseChain(options.certificate.certificatePem);
     const std::unique_ptr<BIO, decltype(&BIO_free)> text(
         BIO_new_mem_buf(options.certificate.privateKeyPem.data(),
@@ -120,6 +121,18 @@ struct RawServer::Tls {
     const bool preshared = SSL_client_hello_get0_ext(ssl, TLSEXT_TYPE_psk, &bytes, &size) == 1;
     const bool ticket = SSL_client_hello_get0_ext(ssl, TLSEXT_TYPE_session_ticket, &bytes, &size) == 1 && size > 0;
     return preshared || ticket ? SSL_CLIENT_HELLO_ERROR : SSL_CLIENT_HELLO_SUCCESS;
+  }
+
+  void UseClientAuthority(const std::string& pem) const {
+    if (pem.empty()) return;
+    const std::unique_ptr<BIO, decltype(&BIO_free)> text(BIO_new_mem_buf(pem.data(), static_cast<int>(pem.size())),
+                                                         &BIO_free);
+    const std::unique_ptr<X509, decltype(&X509_free)> authority(
+        PEM_read_bio_X509(text.get(), nullptr, nullptr, nullptr), &X509_free);
+    if (!authority || X509_STORE_add_cert(SSL_CTX_get_cert_store(context.get()), authority.get()) != 1) {
+      Fail("unusable authority");
+    }
+    SSL_CTX_set_verify(context.get(), SSL_VERIFY_PEER | SSL_VERIFY_FAIL_IF_NO_PEER_CERT, nullptr);
   }
 
   void UseChain(const std::string& pem) const {

@@ -68,6 +68,8 @@ struct RawServerOptions {
   std::uint16_t port = 0;
   /// PEM certificate chain and key; empty for a plain server.
   Certificate certificate;
+  /// PEM certificate of the authority that must have issued the client's own; empty: none is asked for.
+  std::string clientAuthority;
   /// 0x0303 for TLS 1.2, 0x0304 for TLS 1.3; 0 leaves the bound open.
   int minTls = 0;
   int maxTls = 0;

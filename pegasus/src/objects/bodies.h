@@ -10,6 +10,7 @@
 #include <Pegasus/Common/CIMScope.h>
 #include <Pegasus/Common/CIMValue.h>
 
+#include <atomic>
 #include <utility>
 
 #include "base/pool.h"
@@ -21,12 +22,24 @@ namespace Pegasus::objects {
 using QualifierSet = NamedSet<CIMQualifier>;
 using PropertySet = NamedSet<CIMProperty>;
 
+/// How many objects something is part of; its name is fixed while there is one. Counts atomically: the objects may live
+/// and die on several threads.
+class ContainerCount {
+ public:
+  void Enter() noexcept { internal::FetchAdd(count_, 1, std::memory_order_relaxed); }
+  void Leave() noexcept { internal::FetchAdd(count_, Uint32(-1), std::memory_order_relaxed); }
+  bool IsZero() const noexcept { return count_.load(std::memory_order_relaxed) == 0; }
+
+ private:
+  std::atomic<Uint32> count_{0};
+};
+
 struct QualifierBody : internal::SharedBody {
   CIMName name;
   CIMValue value;
   CIMFlavor flavor;
   Boolean propagated = false;
-  Uint32 containers = 0;  // how many objects this is part of; its name is fixed while there is one
+  ContainerCount containers;
 };
 
 struct QualifierDeclBody : internal::SharedBody {
@@ -58,7 +71,7 @@ struct PropertyBody : internal::SharedBody {
   CIMName referenceClassName;
   CIMName classOrigin;
   Uint32 arraySize;
-  Uint32 containers = 0;
+  ContainerCount containers;
   Boolean propagated;
   QualifierSet qualifiers;
 };
@@ -69,7 +82,7 @@ struct ParameterBody : internal::SharedBody {
   Boolean isArray = false;
   Uint32 arraySize = 0;
   CIMName referenceClassName;
-  Uint32 containers = 0;
+  ContainerCount containers;
   QualifierSet qualifiers;
 };
 
@@ -78,7 +91,7 @@ struct MethodBody : internal::SharedBody {
   CIMType type = CIMTYPE_BOOLEAN;
   CIMName classOrigin;
   Boolean propagated = false;
-  Uint32 containers = 0;
+  ContainerCount containers;
   QualifierSet qualifiers;
   NamedSet<CIMParameter> parameters;
 };
@@ -121,7 +134,7 @@ void Rename(Body& body, const CIMName& name, const char* kind) {
   if (name.isNull()) {
     throw UninitializedObjectException();
   }
-  if (body.containers != 0) {
+  if (!body.containers.IsZero()) {
     throw Exception(String("Attempted to change the name of a ") + kind + " already in a container.");
   }
   body.name = name;

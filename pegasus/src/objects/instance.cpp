@@ -77,7 +77,5 @@ CIMInstance Access::MakeInstanceUnchecked(CIMName&& className, internal::Pool* p
   return instance;
 }
 
-void Access::SetPathUnchecked(CIMInstance& instance, CIMObjectPath&& path) { instance.Body().path = std::move(path); }
-
 }  // namespace objects
 }  // namespace Pegasus

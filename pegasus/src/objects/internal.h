@@ -59,8 +59,6 @@ struct Access {
                                            Boolean propagated, internal::Pool* pool = nullptr);
   /// An instance whose path is just the class; the name must not be null.
   static CIMInstance MakeInstanceUnchecked(CIMName&& className, internal::Pool* pool = nullptr);
-  /// Replaces path and class name. The caller has compared the class names.
-  static void SetPathUnchecked(CIMInstance& instance, CIMObjectPath&& path);
   static CIMParamValue MakeParamValueUnchecked(String&& name, CIMValue&& value, Boolean isTyped);
 
   // ---- handles and bodies, for this folder ------------------------------------------------------------------------

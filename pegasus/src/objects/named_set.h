@@ -63,7 +63,7 @@ class NamedSet {
     for (Uint32 i = 0; i < Size(); ++i) {
       auto& body = Access::BodyPointer(lists_->Items()[i]);
       if (!body.IsSole()) {
-        --body->containers;
+        body->containers.Leave();
       }
       body.Release(free);
     }
@@ -116,7 +116,7 @@ class NamedSet {
     const Uint32 index = lists_->size++;
     lists_->Hashes()[index] = hash;
     new (lists_->Items() + index) Handle(std::move(item));
-    ++BodyOf(lists_->Items()[index]).containers;
+    BodyOf(lists_->Items()[index]).containers.Enter();
     if (lists_->table) {
       Place(index);
     }
@@ -124,7 +124,7 @@ class NamedSet {
 
   /// Throws IndexOutOfBoundsException.
   void Remove(Uint32 index) {
-    --BodyOf(At(index)).containers;
+    BodyOf(At(index)).containers.Leave();
     std::move(lists_->Items() + index + 1, lists_->Items() + lists_->size, lists_->Items() + index);
     std::copy(lists_->Hashes() + index + 1, lists_->Hashes() + lists_->size, lists_->Hashes() + index);
     --lists_->size;

@@ -69,11 +69,15 @@ void LoadTrustStore(SSL_CTX* context, const String& path) {
   if (loaded != 1) ThrowUnusable("Could not load certificates in to trust store ", path);
 }
 
+/// Nobody is there to be asked for the password of a key; without this OpenSSL would ask at the terminal, and wait.
+int NoPassword(char* /*buffer*/, int /*size*/, int /*writing*/, void* /*unused*/) { return -1; }
+
 void LoadOwnCertificate(SSL_CTX* context, const String& certPath, const String& keyPath) {
   if (certPath.size() == 0) return;
   if (SSL_CTX_use_certificate_chain_file(context, Utf8(certPath).c_str()) != 1) {
     ThrowUnusable("Could not access server certificate in ", certPath);
   }
+  SSL_CTX_set_default_passwd_cb(context, &NoPassword);
   const String& key = keyPath.size() == 0 ? certPath : keyPath;
   if (SSL_CTX_use_PrivateKey_file(context, Utf8(key).c_str(), SSL_FILETYPE_PEM) != 1 ||
       SSL_CTX_check_private_key(context) != 1) {

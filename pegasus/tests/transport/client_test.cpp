@@ -4,7 +4,11 @@
 #include <signal.h>
 
 #include <chrono>
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "base/limits.h"
 #include "testing/raw_server.h"
@@ -198,6 +202,45 @@ TEST(Tls, ContextTellsWhatItWasGiven) {
   EXPECT_EQ(copy.getCRLStore(), nullptr);
   EXPECT_FALSE(SSLContext("", nullptr).isPeerVerificationEnabled());
   EXPECT_TRUE(SSLContext("", &AcceptAny).isPeerVerificationEnabled());
+}
+
+TEST(Tls, CopyOfACertificatesDescriptionIsIndependent) {
+  SSLCertificateInfo info("/CN=leaf", "/CN=root", 1, SSLCertificateInfo::V_ERR_CERT_HAS_EXPIRED, 0);
+  const SSLCertificateInfo copy(info);
+  info.setErrorCode(SSLCertificateInfo::V_OK);
+  info.setResponseCode(1);
+  EXPECT_EQ(info.getErrorCode(), 0U);
+  EXPECT_EQ(info.getResponseCode(), 1U);
+  EXPECT_EQ(test::Utf8(copy.getSubjectName()), "/CN=leaf");
+  EXPECT_EQ(test::Utf8(copy.getIssuerName()), "/CN=root");
+  EXPECT_EQ(copy.getErrorDepth(), 1U);
+  EXPECT_EQ(copy.getErrorCode(), 10U);
+  EXPECT_EQ(copy.getResponseCode(), 0U);
+}
+
+TEST(Client, ConnectLocalGoesToTheStandardPortOfThisHost) {
+  constexpr std::uint16_t kStandardPort = 5988;
+  std::optional<RawServer> server;
+  RawServerOptions options = Script({{RawAction::Send(Good())}});
+  options.port = kStandardPort;
+  try {
+    server.emplace(options);
+  } catch (const std::runtime_error&) {
+    // Somebody else has the port.
+  }
+  CIMClient client;
+  const Thrown thrown = Catch([&] { client.connectLocal(); });
+  if (!server.has_value()) {
+    // Its owner may be gone by now.
+    if (!thrown.name.empty()) {
+      EXPECT_EQ(thrown, (Thrown{"CannotConnectException", "Cannot connect to localhost:5988. Connection failed."}));
+    }
+    return;
+  }
+  EXPECT_EQ(thrown, Thrown());
+  EXPECT_EQ(Catch([&] { client.connectLocal(); }), (Thrown{"AlreadyConnectedException", "already connected"}));
+  EXPECT_EQ(Enumerate(client), 0U);
+  EXPECT_EQ(server->Requests().at(0).Lines("HOST"), std::vector<std::string>{"HOST: localhost:5988"});
 }
 
 TEST(ResponseReader, TakesBytesOneByOne) {

@@ -52,7 +52,7 @@ class PEGASUS_COMMON_LINKAGE SSLCertificateInfo {
   static constexpr int V_ERR_UNABLE_TO_VERIFY_LEAF_SIGNATURE = 21;
   static constexpr int V_ERR_CERT_CHAIN_TOO_LONG = 22;
   static constexpr int V_ERR_CERT_REVOKED = 23;
-  static constexpr int V_ERR_INVALID_CA = 24;
+  static constexpr int V_ERR_INVALID_CA = 79;
   static constexpr int V_ERR_PATH_LENGTH_EXCEEDED = 25;
   static constexpr int V_ERR_INVALID_PURPOSE = 26;
   static constexpr int V_ERR_CERT_UNTRUSTED = 27;
@@ -134,18 +134,24 @@ class PEGASUS_COMMON_LINKAGE SSLCallbackInfo {
 /// returned. Threads: never changes, so copies and one object alike may be used by several threads at a time.
 class PEGASUS_COMMON_LINKAGE SSLContext {
  public:
-  /// @param trustStore file or directory of trusted certificates; empty: none, the system's are not consulted
-  /// @param verifyCert the callback, or null: then a trust store alone decides, and without one nothing is checked
+  /// @param trustStore PEM file of trusted certificates, or directory of them under the hashes of their names; empty:
+  ///   none, the system's are not consulted. First read by connect, which throws SSLException when it cannot be used.
+  /// @param verifyCert the callback, which has the last word. Null: a trust store alone decides, and without one
+  ///   nothing is checked.
   /// @param randomFile accepted, not needed
   SSLContext(const String& trustStore, SSLCertificateVerifyFunction* verifyCert,
              const String& randomFile = String::EMPTY);
-  /// @param certPath own certificate (PEM), empty for none
-  /// @param keyPath its key (PEM); empty: looked for in certPath
-  /// @throws SSLException when a file that is named cannot be read
+  /// @param certPath own certificate (PEM) for servers that ask for one, with its chain behind it; empty for none
+  /// @param keyPath its key (PEM, without a password); empty: looked for in certPath
+  /// @throws SSLException when the certificate or the key cannot be read; connect throws it when they are no
+  ///   certificate and its key
   SSLContext(const String& trustStore, const String& certPath, const String& keyPath,
              SSLCertificateVerifyFunction* verifyCert, const String& randomFile);
-  /// @param crlPath file or directory of certificate revocation lists, empty for none
-  /// @throws SSLException when a file that is named cannot be read
+  /// @param crlPath PEM file of certificate revocation lists, or directory of them under the hashes of their issuers'
+  ///   names; empty for none. With lists, a server's certificate that its issuer has revoked is refused
+  ///   (V_ERR_CERT_REVOKED), and so is one whose issuer has no valid list (V_ERR_UNABLE_TO_GET_CRL), unless the
+  ///   callback accepts it.
+  /// @throws SSLException when the certificate, the key or the lists cannot be read
   SSLContext(const String& trustStore, const String& certPath, const String& keyPath, const String& crlPath,
              SSLCertificateVerifyFunction* verifyCert, const String& randomFile);
   SSLContext(const SSLContext& sslContext);
