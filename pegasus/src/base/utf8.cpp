@@ -151,9 +151,6 @@ Uint32 Utf8Size(const Char16* units, Uint32 n) noexcept {
     const Uint32 unit = Uint16(units[i]);
     size += (unit >= 0x80 ? 1U : 0U) + (unit >= 0x800 ? 1U : 0U);
   }
-  if (size == n) {
-    return size;
-  }
   for (Uint32 i = 0; i + 1 < n; ++i) {
     // A pair is four bytes together, not three for each half.
     if (IsHighSurrogate(Uint16(units[i])) && IsLowSurrogate(Uint16(units[i + 1]))) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <string>
 #include <thread>
 
 #include "thrown.h"
@@ -217,6 +218,28 @@ TEST(String, IndexesUpToTheTerminatingZero) {
   EXPECT_EQ(Catch([&] { text[3] = Char16('x'); }), kOutOfBounds);
   EXPECT_EQ(Catch([&] { static_cast<void>(constant[3]); }), kOutOfBounds);
   EXPECT_EQ(Catch([&] { static_cast<void>(text[PEG_NOT_FOUND]); }), kOutOfBounds);
+}
+
+TEST(String, InvalidUtf8IsQuotedFromTheBeginningOfACharacterOn) {
+  // The quotation begins 32 bytes before the fault, which is the second half of the first character here.
+  const std::string before(31, 'x');
+  const std::string text = "\xC3\xA9" + before + "\xFF";
+  EXPECT_EQ(
+      Catch([&] { const String string(text.c_str()); }),
+      (Thrown{"Exception", "The byte sequence starting at index 33 is not valid UTF-8 encoding: " + before + " 0xFF"}));
+}
+
+TEST(String, ToLowerOfNothingIsNothing) {
+  String empty;
+  empty.toLower();
+  EXPECT_EQ(empty.size(), 0U);
+}
+
+TEST(CStringText, AssignmentToItselfChangesNothing) {
+  CString text = String("text").getCString();
+  CString& same = text;
+  text = same;
+  EXPECT_STREQ(text, "text");
 }
 
 TEST(String, AppendsItselfAndPartsOfItself) {

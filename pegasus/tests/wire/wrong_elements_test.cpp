@@ -104,6 +104,7 @@ TEST(WrongElements, AreRefused) {
       {Returned("GetClass", R"(<INSTANCE CLASSNAME="CIM_Foo"/>)"), cimClass, "expected CLASS element"},
       {Returned("ModifyInstance", R"(<INSTANCE CLASSNAME="CIM_Foo"/>)"), modify, "IRETURNVALUE"},
       {Message("<EXPMETHODRESPONSE/>"), modify, "expected METHODRESPONSE or IMETHODRESPONSE element"},
+      {Message("<EXPMETHODRESPONSE/>"), invoke, "expected METHODRESPONSE or IMETHODRESPONSE element"},
       {Extrinsic("<RETURNVALUE></RETURNVALUE>"), invoke, "expected VALUE element"},
       {Extrinsic("<RETURNVALUE/>"), invoke, "Expected close of METHODRESPONSE element, got RETURNVALUE instead"},
       {Extrinsic(R"(<RETURNVALUE PARAMTYPE="number"><VALUE>1</VALUE></RETURNVALUE>)"), invoke,
