@@ -36,9 +36,10 @@ elseif(ORVANE_SANITIZE STREQUAL "thread")
 elseif(ORVANE_SANITIZE)
   message(FATAL_ERROR "ORVANE_SANITIZE is '${ORVANE_SANITIZE}'; use address, thread or leave it empty")
 endif()
-if(ORVANE_SANITIZE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-  # clang's run-time library defines operator new as well as the tests that count or refuse memory; theirs come first.
-  set(orvane_instrument_link LINKER:--allow-multiple-definition)
+if(ORVANE_SANITIZE STREQUAL "thread" AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  # As a linker of C++, clang adds an operator new of its thread sanitizer that no test could replace.
+  set(orvane_instrument_link --driver-mode=gcc)
+  target_link_libraries(orvane_build_options INTERFACE stdc++ m)
 endif()
 if(ORVANE_COVERAGE)
   # Counters of several threads must not lose counts, or end up negative.
