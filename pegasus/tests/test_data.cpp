@@ -1,4 +1,4 @@
-// The one unit that is compiled with the checkout's path, so that a compiler cache serves every other one to all clones.
+// The one unit compiled with the path of the checkout, so that a compiler cache serves every other one to all clones.
 #include "test_data.h"
 
 namespace Pegasus::test {
