@@ -3,20 +3,34 @@
 
 #include <unistd.h>
 
-#include <iostream>
+#include <cerrno>
+#include <string>
 
 #include "cli/text.h"
 #include "cli/write_all.h"
 
 namespace Orvane::cli {
 
+namespace {
+
+// Straight from the terminal, so that nothing but this one read waits for the answer.
+std::string ReadLine() {
+  std::string line;
+  for (char next = 0;;) {
+    const ssize_t count = read(STDIN_FILENO, &next, 1);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0 || next == '\n') return line;
+    line += next;
+  }
+}
+
+}  // namespace
+
 bool CanAsk() { return isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1; }
 
 bool Confirmed(const std::string& text) {
   WriteAll(STDERR_FILENO, text + "Go on? [y/N] ");
-  std::string answer;
-  std::getline(std::cin, answer);
-  answer = Trim(answer);
+  const std::string answer = Trim(ReadLine());
   return answer == "y" || answer == "Y" || answer == "yes" || answer == "YES" || answer == "Yes";
 }
 
