@@ -1,6 +1,7 @@
 // No answer, as at the end of the input, is a no.
 #include "cli/operations/question.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,10 +14,12 @@ namespace Orvane::cli {
 
 namespace {
 
-// Straight from the terminal, so that nothing but this one read waits for the answer.
+// Straight from the terminal. It waits in poll(), where a signal is delivered under the thread sanitizer too.
 std::string ReadLine() {
   std::string line;
   for (char next = 0;;) {
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    if (poll(&input, 1, -1) < 0 && errno == EINTR) continue;
     const ssize_t count = read(STDIN_FILENO, &next, 1);
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0 || next == '\n') return line;
